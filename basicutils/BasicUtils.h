@@ -1,0 +1,25 @@
+// BasicUtils: the foundation library of the video-disc authoring tool.
+//
+// Including this one header gives a client every public class, free function
+// and constant of the library, all in namespace basicutils. Ported client code
+// writes `using namespace basicutils;` once and keeps its legacy spelling.
+//
+// Each subsystem keeps its own block below; add a header to the block of the
+// folder it lives in, bottom layer first.
+#pragma once
+
+#include <basicutils/Export.h>
+
+// platform: the thin layer over the operating system.
+// (platform headers are listed here only where clients use them directly)
+
+// text
+// containers
+// messaging
+// time
+// bitstream
+// files
+// tasks
+// undo
+// script
+// environment

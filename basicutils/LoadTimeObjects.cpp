@@ -1,0 +1,41 @@
+// The library's load-time objects, defined in this one translation unit so
+// that they are built in a fixed order, each depending only on those above
+// it, and destroyed in the reverse order when the library is unloaded.
+// Nothing else in the library defines an object with a dynamic initialiser
+// that another load-time object relies on: the order of translation units
+// is left to the linker and must not matter.
+//
+// The slots, in order. A later subsystem puts its definition in its slot.
+//   1. the byte mask tables of CAppBits
+//   2. gIdleProcesses
+//   3. MFileDialog::sLastFile
+//   4. LArray::sBytesComparator, then LArray::sLongComparator
+//   5. CVelmorantProfile::sProfilePath
+//   6. StGlobalLock::sSafe
+//   7. CMessageAction::sMessageAction (sDefaultType 1)
+//   8. CThreadStatus::sThreadStatus
+//   9. CThreadAction::sThreadAction
+
+#include <basicutils/BasicUtils.h>
+
+namespace basicutils {
+
+// 1. CAppBits byte mask tables
+
+// 2. gIdleProcesses
+
+// 3. MFileDialog::sLastFile
+
+// 4. LArray comparators
+
+// 5. CVelmorantProfile::sProfilePath
+
+// 6. StGlobalLock::sSafe
+
+// 7. CMessageAction::sMessageAction
+
+// 8. CThreadStatus::sThreadStatus
+
+// 9. CThreadAction::sThreadAction
+
+}  // namespace basicutils

@@ -1,0 +1,40 @@
+// The subcommands of the basicutils tool. Each lives in its own file and
+// registers here; main.cpp dispatches on the first argument.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace basicutils_tool {
+
+using Args = std::vector<std::string>;
+
+// A subcommand gets the arguments after its name and returns the process's
+// exit status: 0 for success, 1 when the work failed, 2 for a usage error.
+// Errors go to stderr with the prefix "basicutils: ".
+struct Command {
+    const char* name;
+    const char* alias;    // may be nullptr
+    const char* summary;  // one line for --help
+    const char* usage;    // the lines printed by `basicutils help NAME`
+    int (*run)(const Args& args);
+};
+
+// Every subcommand; the list ends with a null name.
+extern const Command kCommands[];
+
+// The built-in example that runs when the tool is given no argument.
+int RunExample();
+
+// Shared helpers for the subcommands.
+int UsageError(const std::string& message);  // prints, returns 2
+int Failure(const std::string& message);     // prints, returns 1
+// Parses a whole decimal number; false (and nothing stored) for any other text.
+bool ParseInt(const std::string& text, long long& value);
+// Parses a whole finite decimal number with optional fraction.
+bool ParseDouble(const std::string& text, double& value);
+
+// Subcommands. Add the declaration here and the entry in main.cpp.
+int RunTimecode(const Args& args);
+
+}  // namespace basicutils_tool

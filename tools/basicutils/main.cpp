@@ -1,0 +1,102 @@
+// basicutils: a command-line tool over the BasicUtils library.
+//
+//   basicutils                 runs the built-in example
+//   basicutils --help          lists the subcommands
+//   basicutils help NAME       the usage of one subcommand
+//   basicutils NAME ARGS...    runs a subcommand
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "Commands.h"
+
+namespace basicutils_tool {
+
+const Command kCommands[] = {
+    {"timecode", "tc", "timecode arithmetic: frames, sums, differences, packed form, milliseconds",
+     "usage: basicutils timecode ...", RunTimecode},
+    {nullptr, nullptr, nullptr, nullptr, nullptr},
+};
+
+int UsageError(const std::string& message) {
+    std::fprintf(stderr, "basicutils: %s\n", message.c_str());
+    std::fprintf(stderr, "Try 'basicutils --help'.\n");
+    return 2;
+}
+
+int Failure(const std::string& message) {
+    std::fprintf(stderr, "basicutils: %s\n", message.c_str());
+    return 1;
+}
+
+bool ParseInt(const std::string& text, long long& value) {
+    if (text.empty()) return false;
+    errno = 0;
+    char* end = nullptr;
+    long long v = std::strtoll(text.c_str(), &end, 10);
+    if (errno != 0 || end == text.c_str() || *end != '\0') return false;
+    value = v;
+    return true;
+}
+
+bool ParseDouble(const std::string& text, double& value) {
+    if (text.empty()) return false;
+    errno = 0;
+    char* end = nullptr;
+    double v = std::strtod(text.c_str(), &end);
+    if (errno != 0 || end == text.c_str() || *end != '\0' || !std::isfinite(v)) return false;
+    value = v;
+    return true;
+}
+
+namespace {
+
+const Command* Find(const std::string& name) {
+    for (const Command* c = kCommands; c->name; ++c)
+        if (name == c->name || (c->alias && name == c->alias)) return c;
+    return nullptr;
+}
+
+void PrintHelp() {
+    std::printf(
+        "basicutils: a command-line tool over the BasicUtils library\n\n"
+        "usage: basicutils                 run the built-in example\n"
+        "       basicutils --help          this list\n"
+        "       basicutils help COMMAND    the usage of one command\n"
+        "       basicutils COMMAND ARGS... run a command\n\ncommands:\n");
+    for (const Command* c = kCommands; c->name; ++c)
+        std::printf("  %-10s %-4s %s\n", c->name, c->alias ? c->alias : "", c->summary);
+}
+
+}  // namespace
+}  // namespace basicutils_tool
+
+int main(int argc, char** argv) {
+    using namespace basicutils_tool;
+    if (argc < 2) return RunExample();
+    std::string first = argv[1];
+    if (first == "--help" || first == "-h") {
+        PrintHelp();
+        return 0;
+    }
+    if (first == "help") {
+        if (argc < 3) {
+            PrintHelp();
+            return 0;
+        }
+        const Command* c = Find(argv[2]);
+        if (!c) return UsageError("unknown command '" + std::string(argv[2]) + "'");
+        std::printf("%s\n", c->usage);
+        return 0;
+    }
+    const Command* c = Find(first);
+    if (!c) return UsageError("unknown command '" + first + "'");
+    Args args(argv + 2, argv + argc);
+    if (!args.empty() && (args[0] == "--help" || args[0] == "-h")) {
+        std::printf("%s\n", c->usage);
+        return 0;
+    }
+    return c->run(args);
+}
