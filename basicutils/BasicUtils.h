@@ -15,6 +15,7 @@
 
 // text
 // containers
+#include <basicutils/containers/CVoidList.h>
 // messaging
 // time
 // bitstream
