@@ -19,6 +19,9 @@
 // messaging
 // time
 // bitstream
+#include <basicutils/bitstream/ByteOrder.h>
+#include <basicutils/bitstream/CAppBits.h>
+#include <basicutils/bitstream/CAppBytes.h>
 // files
 // tasks
 // undo

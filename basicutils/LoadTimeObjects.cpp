@@ -21,6 +21,7 @@
 namespace basicutils {
 
 // 1. CAppBits byte mask tables
+bool CAppBits::sByteMasksInitialized = CAppBits::InitializeByteMasks();
 
 // 2. gIdleProcesses
 

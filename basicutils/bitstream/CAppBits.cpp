@@ -1,0 +1,143 @@
+#include <basicutils/bitstream/CAppBits.h>
+
+#include <cassert>
+#include <cstring>
+
+namespace basicutils {
+
+// The tables are constant-initialised to zero here and filled by
+// InitializeByteMasks from the first load-time object.
+unsigned char CAppBits::sFirstByteMasks[9][8] = {};
+unsigned char CAppBits::sSecondByteMasks[9][8] = {};
+unsigned char CAppBits::sRemainingBitsMasks[8] = {};
+
+namespace {
+
+// Bytes a field of n bits at offset o covers.
+inline int BytesCovered(int offset, int n) { return (offset + n + 7) >> 3; }
+
+inline uint64_t LoadBigEndian64(const unsigned char* p) {
+    uint64_t v;
+    std::memcpy(&v, p, sizeof v);
+    return __builtin_bswap64(v);
+}
+
+}  // namespace
+
+CAppBits::CAppBits() : CAppBits(nullptr, 0) {}
+
+CAppBits::CAppBits(unsigned char* buffer, int size)
+    : mBuffer(buffer), mBitOffset(0), mBytePos(0), mBufSize(size) {}
+
+void CAppBits::SetBuf(unsigned char* buffer, int size) {
+    mBuffer = buffer;
+    mBitOffset = 0;
+    mBytePos = 0;
+    mBufSize = size;
+}
+
+bool CAppBits::InitializeByteMasks() {
+    for (int n = 0; n <= 8; ++n) {
+        // n top bits of a 16-bit word; row 0 stays all zero.
+        unsigned word = n == 0 ? 0u : (0xFFFFu << (16 - n)) & 0xFFFFu;
+        for (int o = 0; o < 8; ++o) {
+            unsigned shifted = word >> o;
+            sFirstByteMasks[n][o] = static_cast<unsigned char>(shifted >> 8);
+            sSecondByteMasks[n][o] = static_cast<unsigned char>(shifted & 0xFF);
+        }
+    }
+    for (int o = 0; o < 8; ++o) sRemainingBitsMasks[o] = static_cast<unsigned char>(0xFFu >> o);
+    return true;
+}
+
+int CAppBits::FastGetBits(int n, cbits_get_t mode) {
+    const int o = mBitOffset;
+    const unsigned char* p = mBuffer + mBytePos;
+    unsigned w = (static_cast<unsigned>(sFirstByteMasks[n][o] & p[0]) << 8) |
+                 static_cast<unsigned>(sSecondByteMasks[n][o] & p[1]);
+    int result = static_cast<int>(w >> (16 - o - n));
+    if (mode == kCBitsConsume) Advance(n);
+    return result;
+}
+
+int CAppBits::PeekBits(int n) const {
+    assert(n <= 32);
+    if (n <= 0) return 0;
+    const int o = mBitOffset;
+    const int p = mBytePos;
+    assert(p >= 0 && static_cast<int64_t>(p) + BytesCovered(o, n) <= mBufSize);
+    const unsigned char* bytes = mBuffer + p;
+
+    // Eight bytes at the cursor: one load covers any field (o + n <= 39).
+    // The double shift keeps each shift below 64 for every n.
+    if (p >= 0 && static_cast<int64_t>(p) + 8 <= mBufSize) {
+        uint64_t v = LoadBigEndian64(bytes) << o;
+        return static_cast<int>(static_cast<uint32_t>((v >> (63 - n)) >> 1));
+    }
+
+    // Near the end: the mask tables for short fields, the byte loop otherwise.
+    if (n <= 8 && static_cast<int64_t>(p) + 2 <= mBufSize) {
+        unsigned w = (static_cast<unsigned>(sFirstByteMasks[n][o] & bytes[0]) << 8) |
+                     static_cast<unsigned>(sSecondByteMasks[n][o] & bytes[1]);
+        return static_cast<int>(w >> (16 - o - n));
+    }
+
+    const uint32_t first = bytes[0] & sRemainingBitsMasks[o];
+    const int avail = 8 - o;
+    if (n <= avail) return static_cast<int>(first >> (avail - n));
+    const int rem = n - avail;
+    const int k = (rem + 7) >> 3;
+    uint32_t acc = first;
+    for (int i = 1; i <= k; ++i) acc = (acc << 8) | bytes[i];
+    uint32_t result = acc >> (8 * k - rem);
+    // Five bytes: the first byte's bits were shifted out of the accumulator.
+    if (k == 4) result |= first << rem;
+    return static_cast<int>(result);
+}
+
+int CAppBits::ShowBits(int n) { return PeekBits(n); }
+
+int CAppBits::GetBits(int n, cbits_get_t mode) {
+    int result = PeekBits(n);
+    if (mode == kCBitsConsume) Advance(n);
+    return result;
+}
+
+void CAppBits::FlushBits(int n) { Advance(n); }
+
+int CAppBits::GetBitsAt(int bitPosition, int n) {
+    mBytePos = bitPosition >> 3;
+    mBitOffset = bitPosition & 7;
+    return GetBits(n, kCBitsConsume);
+}
+
+int CAppBits::PutBits(int value, int n) {
+    assert(n <= 32);
+    if (n <= 0) return 0;
+    assert(mBytePos >= 0 &&
+           static_cast<int64_t>(mBytePos) + BytesCovered(mBitOffset, n) <= mBufSize);
+    const unsigned v = static_cast<unsigned>(value);
+    int free = 8 - mBitOffset;
+    while (n >= free) {
+        if (free == 8) mBuffer[mBytePos] = 0;
+        n -= free;
+        // Arithmetic shift: a negative value brings ones down from above.
+        mBuffer[mBytePos] |= static_cast<unsigned char>((value >> n) & 0xFF);
+        ++mBytePos;
+        mBitOffset = 0;
+        free = 8;
+    }
+    if (n == 0) return 0;
+    if (free == 8) mBuffer[mBytePos] = 0;
+    mBuffer[mBytePos] |= static_cast<unsigned char>((v << (free - n)) & 0xFF);
+    mBitOffset += n;
+    return 0;
+}
+
+int CAppBits::PutBitsAt(int bitPosition, int value, int n) {
+    mBytePos = bitPosition >> 3;
+    mBitOffset = bitPosition & 7;
+    return PutBits(value, n);
+}
+
+}  // namespace basicutils

@@ -1,0 +1,112 @@
+// CAppBits: a bit cursor over a byte buffer that the caller owns.
+//
+// Fields of 0 to 32 bits are read and written at any bit position, most
+// significant bit first; a value read comes back right-aligned. A 32-bit
+// field whose top bit is set reads as a negative int; narrower fields never
+// carry a sign.
+//
+// Bounds. The cursor compares its position with the end of the buffer only
+// to choose how to read, and `IsEOB` says whether the byte position has
+// reached the size. Staying inside the buffer is the caller's duty: a read
+// or a write of n bits at bit offset o needs (o + n + 7) / 8 bytes at the
+// current byte. Debug builds assert it.
+//
+// Reading. Three routes give the same result:
+//   - where eight bytes remain at the cursor, one unaligned 64-bit load;
+//   - otherwise, for up to 8 bits with two bytes left, the two mask tables
+//     (`FastGetBits`, no loop);
+//   - otherwise byte by byte, touching only the bytes the field covers.
+//     A field that starts at offset o > 0 and is 32 bits wide spans five
+//     bytes; the leftover bits of the first byte are put back on top.
+// Near the end of the buffer only bytes inside it are loaded, and within
+// the last byte a read that fits touches no further byte. A read of 0 bits
+// returns 0 and touches no memory at all.
+//
+// Writing. `PutBits` treats a byte it starts at bit 0 as fresh and clears
+// it (including bits beyond the field), while into a byte already begun it
+// ORs: earlier bits are never cleared there. The value is not masked to n
+// bits, so a value too wide for its field spills its high bits into the
+// bits just before the field. A write ending exactly on a byte boundary does
+// not touch the next byte.
+//
+// The mask tables are filled when the library loads, before any cursor
+// exists (see LoadTimeObjects.cpp), and are read-only afterwards. A cursor
+// holds no lock and belongs to one thread at a time; copies of a cursor
+// walk the same buffer independently.
+#pragma once
+
+#include <cstdint>
+
+#include <basicutils/Export.h>
+
+namespace basicutils {
+
+// Whether a read moves the cursor.
+enum cbits_get_t {
+    kCBitsShow = 0,     // read and stay
+    kCBitsConsume = 1,  // read and move past the bits read
+};
+
+class BASICUTILS_EXPORT CAppBits {
+public:
+    CAppBits();
+    CAppBits(unsigned char* buffer, int size);
+    CAppBits(const CAppBits& other) = default;
+    CAppBits& operator=(const CAppBits& other) = default;
+    ~CAppBits() = default;
+
+    // Points the cursor at bit 0 of a new buffer.
+    void SetBuf(unsigned char* buffer, int size);
+
+    // 1 when the cursor sits on a byte boundary, else 0.
+    int IsByteAlligned() const { return mBitOffset == 0 ? 1 : 0; }
+    // 1 once the byte position has reached the size (signed), else 0.
+    int IsEOB() const { return mBytePos >= mBufSize ? 1 : 0; }
+    int GetBytePosition() const { return mBytePos; }
+
+    // The next n bits (0..32); the cursor stays.
+    int ShowBits(int n);
+    // The next n bits; the cursor moves past them in kCBitsConsume mode.
+    int GetBits(int n, cbits_get_t mode);
+    // Moves the cursor forward n bits without reading.
+    void FlushBits(int n);
+    // Writes the low n bits of value at the cursor and moves past them.
+    // Value first, count second. Returns 0.
+    int PutBits(int value, int n);
+    // Moves the cursor to bitPosition, reads n bits and stays after them.
+    int GetBitsAt(int bitPosition, int n);
+    // Moves the cursor to bitPosition and writes as PutBits does. Returns 0.
+    int PutBitsAt(int bitPosition, int value, int n);
+
+protected:
+    // Reads through the two mask tables alone. Requires n <= 8 and two
+    // bytes at the cursor; always loads exactly those two bytes.
+    int FastGetBits(int n, cbits_get_t mode);
+
+    // Fills the three tables; returns true. Run once at load.
+    static bool InitializeByteMasks();
+
+    // The read shared by ShowBits, GetBits and GetBitsAt, without moving.
+    int PeekBits(int n) const;
+    // Advances the bit position by n.
+    void Advance(int n) {
+        int bits = mBitOffset + n;
+        mBytePos += bits >> 3;
+        mBitOffset = bits & 7;
+    }
+
+    unsigned char* mBuffer;  // not owned
+    int mBitOffset;          // 0..7, bits of the current byte already passed
+    int mBytePos;            // index of the current byte
+    int mBufSize;            // size of the buffer in bytes
+
+    static bool sByteMasksInitialized;
+    // Row n (0..8 bits), column o (0..7 offset): the top n bits of a
+    // 16-bit word shifted right by o, split into its high and low byte.
+    static unsigned char sFirstByteMasks[9][8];
+    static unsigned char sSecondByteMasks[9][8];
+    // Column o: the bits of the current byte not yet passed (0xFF >> o).
+    static unsigned char sRemainingBitsMasks[8];
+};
+
+}  // namespace basicutils
