@@ -17,7 +17,10 @@
 // containers
 #include <basicutils/containers/CVoidList.h>
 // messaging
+#include <basicutils/messaging/LBroadcaster.h>
+#include <basicutils/messaging/LNotifier.h>
 // time
+#include <basicutils/time/CTimecode.h>
 // bitstream
 #include <basicutils/bitstream/ByteOrder.h>
 #include <basicutils/bitstream/CAppBits.h>

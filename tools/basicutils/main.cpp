@@ -16,7 +16,18 @@ namespace basicutils_tool {
 
 const Command kCommands[] = {
     {"timecode", "tc", "timecode arithmetic: frames, sums, differences, packed form, milliseconds",
-     "usage: basicutils timecode ...", RunTimecode},
+     "usage: basicutils timecode ACTION [--rate R]   (alias: tc; R is 24, 25, 30 or any\n"
+     "       rate from 24 to 1200; the default is 30)\n"
+     "  frames TC        the 1-based frame count of TC (00:00:00:00 is frame 1)\n"
+     "  at FRAME         the timecode of a frame count\n"
+     "  add TC TC        the sum of two timecodes\n"
+     "  sub TC TC        the difference (stops at 00:00:00:00)\n"
+     "  pack TC          the packed double form: count * 10000 + rate * 100\n"
+     "  unpack PACKED    the timecode of a packed value\n"
+     "  ms TC            milliseconds from zero\n"
+     "TC is HH:MM:SS:FF (';' before the frames is accepted). Out-of-range fields are\n"
+     "brought into range by the library, and the tool says what it read.",
+     RunTimecode},
     {nullptr, nullptr, nullptr, nullptr, nullptr},
 };
 
