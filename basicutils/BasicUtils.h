@@ -20,6 +20,7 @@
 #include <basicutils/messaging/LBroadcaster.h>
 #include <basicutils/messaging/LNotifier.h>
 // time
+#include <basicutils/time/CDateTime.h>
 #include <basicutils/time/CTimecode.h>
 // bitstream
 #include <basicutils/bitstream/ByteOrder.h>

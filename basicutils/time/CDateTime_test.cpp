@@ -1,0 +1,137 @@
+#include <basicutils/time/CDateTime.h>
+
+#include <basicutils/platform/LocalTime.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace basicutils {
+namespace {
+
+// Walks the calendar one day at a time from day 0 (1 January of year 0) for
+// 5000 years, with its own month lengths, and checks that every day number
+// reads as that date and that SetDate of that date gives the day number back.
+TEST(CDateTime, EveryDayOfFiftyCenturiesRoundTrips) {
+    const int kMonthDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    int year = 0, month = 1, day = 1;
+    CDateTime probe;
+    for (int n = 0; year < 5000; ++n) {
+        CDateTime value(n + 0.25);
+        ASSERT_EQ(value.GetYear(), year) << n;
+        ASSERT_EQ(value.GetMonth(), month) << n;
+        ASSERT_EQ(value.GetDay(), day) << n;
+        probe.SetDate(year, month, day);
+        ASSERT_EQ(probe.GetDateTime(), static_cast<double>(n)) << year << "-" << month << "-" << day;
+        bool leap = year != 0 && year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+        int length = kMonthDays[month - 1] + (month == 2 && leap ? 1 : 0);
+        if (++day > length) {
+            day = 1;
+            if (++month > 12) month = 1, ++year;
+        }
+    }
+}
+
+TEST(CDateTime, LeapRuleAndMonthLengths) {
+    struct {
+        int year, leap;
+    } years[] = {{0, 0}, {1, 0}, {4, 1}, {100, 0}, {400, 1}, {1900, 0}, {2000, 1}, {2023, 0}, {2024, 1}};
+    for (auto& y : years) {
+        EXPECT_EQ(CDateTime::IsLeapYear(y.year), y.leap) << y.year;
+        EXPECT_EQ(CDateTime::GetTotalDayOfYear(y.year), 365 + y.leap) << y.year;
+    }
+    struct {
+        int month, leap, days;
+    } months[] = {{1, 0, 31}, {2, 0, 28}, {2, 1, 29}, {4, 0, 30}, {12, 1, 31}, {0, 0, 30}, {13, 0, 30}};
+    for (auto& m : months)
+        EXPECT_EQ(CDateTime::GetTotalDayOfMonth(m.month, m.leap), m.days) << m.month;
+}
+
+TEST(CDateTime, DayNumbersAndUncheckedArguments) {
+    CDateTime zero;
+    EXPECT_EQ(zero.GetYear(), 0);
+    EXPECT_EQ(zero.GetMonth(), 1);
+    EXPECT_EQ(zero.GetDay(), 1);
+    EXPECT_EQ(zero.GetHour() + zero.GetMinute() + zero.GetSecond(), 0);
+    CDateTime a(365.0), b(364.0);
+    EXPECT_EQ(a.GetYear() * 10000 + a.GetMonth() * 100 + a.GetDay(), 10101);
+    EXPECT_EQ(b.GetYear() * 10000 + b.GetMonth() * 100 + b.GetDay(), 1231);
+    CDateTime d;
+    d.SetDate(2023, 4, 31);  // a day too many rolls into May
+    EXPECT_EQ(d.GetMonth(), 5);
+    EXPECT_EQ(d.GetDay(), 1);
+    d.SetDate(2023, 14, 1);  // month 13 counts 30 days
+    CDateTime e;
+    e.SetDate(2024, 1, 31);
+    EXPECT_EQ(d.GetDateTime(), e.GetDateTime());
+    CDateTime huge(1e300), nan(std::numeric_limits<double>::quiet_NaN());
+    EXPECT_GT(huge.GetYear(), 5000000);  // held at the int range, not overflowed
+    EXPECT_EQ(nan.GetYear(), 0);
+}
+
+TEST(CDateTime, TimeOfDayAndDateAreIndependent) {
+    CDateTime d;
+    d.SetTime(12, 0, 0);
+    EXPECT_EQ(d.GetDateTime(), 0.5);
+    d.SetDate(2004, 2, 29);
+    EXPECT_EQ(d.GetHour(), 12);
+    EXPECT_EQ(d.GetDateTime() - static_cast<int>(d.GetDateTime()), 0.5);
+    d.SetTime(1, 2, 3);
+    EXPECT_EQ(d.GetYear(), 2004);
+    EXPECT_EQ(d.GetMonth(), 2);
+    EXPECT_EQ(d.GetDay(), 29);
+    CDateTime early;
+    early.SetTime(1, 2, 3);
+    EXPECT_EQ(early.GetHour(), 1);
+    EXPECT_EQ(early.GetMinute(), 2);
+    EXPECT_EQ(early.GetSecond(), 3);
+    EXPECT_NEAR(d.GetSecond(), 3, 1);  // truncation may lose one on a large day count
+}
+
+TEST(CDateTime, ArithmeticAndOrder) {
+    CDateTime a, b;
+    a.SetDate(2024, 3, 15);
+    b.SetDate(2024, 3, 5);
+    CDateTime diff = a - b;
+    EXPECT_EQ(diff.GetDateTime(), 10.0);
+    EXPECT_EQ(diff.GetDay(), 11);
+    EXPECT_EQ((b + diff) == a, 1);
+    CDateTime back = b - a;
+    EXPECT_EQ(back.GetYear(), 0);
+    EXPECT_EQ(back.GetMonth(), 1);
+    EXPECT_EQ(back.GetDay(), -9);
+    CDateTime morning(a), evening(a);
+    morning.SetTime(8, 0, 0);
+    evening.SetTime(20, 0, 0);
+    EXPECT_EQ(morning == evening, 0);
+    EXPECT_EQ(morning != evening, 1);
+    EXPECT_EQ(morning < evening, 1);
+    EXPECT_EQ(evening >= morning, 1);
+    EXPECT_EQ(morning > evening, 0);
+    EXPECT_EQ(morning <= morning, 1);
+}
+
+// The day of the year from the machine's local clock must agree with the
+// library's own calendar applied to the local date.
+TEST(CDateTime, CurrentDateFunctionsFollowTheLocalCalendar) {
+    platform::time64_t now = platform::_time64(nullptr);
+    std::tm local{};
+    ASSERT_EQ(platform::_localtime64_s(&local, &now), 0);
+    CDateTime today, newYear;
+    today.SetDate(1900 + local.tm_year, local.tm_mon + 1, local.tm_mday);
+    newYear.SetDate(1900 + local.tm_year, 1, 1);
+    int expected = static_cast<int>((today - newYear).GetDateTime()) + 1;
+    int got = GetDayNumberofYear();
+    EXPECT_TRUE(got == expected || got == expected + 1 || got == 1);  // midnight may pass
+    EXPECT_EQ(GetYearWithinCentury(), (1900 + local.tm_year) % 100);
+    char buffer[8] = "x";
+    EXPECT_EQ(GetNowDate(buffer, sizeof buffer), 0);
+    EXPECT_STREQ(buffer, "x");
+    EXPECT_EQ(GetLocalDayNumberofYear(), 0);
+    EXPECT_EQ(GetLocalYearWithinCentury(), 0);
+    EXPECT_EQ(platform::_localtime64_s(nullptr, &now), 22);
+    EXPECT_EQ(platform::_localtime64_s(&local, nullptr), 22);
+}
+
+}  // namespace
+}  // namespace basicutils
