@@ -12,9 +12,19 @@
 
 // platform: the thin layer over the operating system.
 // (platform headers are listed here only where clients use them directly)
+#include <basicutils/platform/CodePage.h>
+#include <basicutils/platform/Errors.h>
 
 // text
+#include <basicutils/text/WideString.h>
+#include <basicutils/text/MString.h>
 // containers
+#include <basicutils/containers/Handle.h>
+#include <basicutils/containers/LArray.h>
+#include <basicutils/containers/LArrayIterator.h>
+#include <basicutils/containers/LComparator.h>
+#include <basicutils/containers/LList.h>
+#include <basicutils/containers/UMemUtils.h>
 #include <basicutils/containers/CVoidList.h>
 // messaging
 #include <basicutils/messaging/LBroadcaster.h>
