@@ -122,6 +122,17 @@ public:
     // One frame back with borrow; below 00:00:00:00 the hour wraps to 65535.
     void DecreaseFrame();
 
+    // Drop-frame labels (CTimecodeDropFrame.cpp). This timecode, at 30.0, is
+    // converted between the plain count and the NTSC drop-frame label, with
+    // the left-out labels counted from the minute of `start` (00:00:00:00
+    // gives the standard numbering). The result, at 30.0, is written once at
+    // the end and so notifies at most once; forms without `result` convert
+    // this timecode in place.
+    void Nondrop2Drop(const CTimecode& start, CTimecode* result) const;
+    void Nondrop2Drop(const CTimecode& start);
+    void Drop2Nondrop(const CTimecode& start, CTimecode* result) const;
+    void Drop2Nondrop(const CTimecode& start);
+
     bool operator==(const CTimecode& other) const;
     bool operator!=(const CTimecode& other) const { return !(*this == other); }
     // Copies the five fields and notifies once if the two differ.
