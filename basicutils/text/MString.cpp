@@ -45,7 +45,7 @@ MString::MString(const MString& other) : MString(other.mBuffer, 0) {}
 
 MString::MString(unsigned int n) : mBuffer(NewEmptyBlock(n)) {}
 
-MString::MString(char16_t* block, int) : mBuffer(block) {}
+MString::MString(char16_t* block, TakeOver) : mBuffer(block) {}
 
 MString::~MString() { delete[] mBuffer; }
 
@@ -95,7 +95,7 @@ MString operator+(const MString& a, const MString& b) {
     auto* block = new char16_t[la + lb + 1];
     std::memcpy(block, a.mBuffer, la * sizeof(char16_t));
     std::memcpy(block + la, b.mBuffer, (lb + 1) * sizeof(char16_t));
-    return MString(block, 0);
+    return MString(block, MString::kTakeOver);
 }
 
 void MString::Format(const char16_t* format, ...) {

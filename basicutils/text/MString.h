@@ -121,8 +121,11 @@ protected:
     char16_t* mBuffer;
 
 private:
-    // Takes over block, allocated with new[], without copying.
-    MString(char16_t* block, int);
+    // Takes over block, allocated with new[], without copying. The second
+    // argument only selects this constructor; its own type keeps a caller's
+    // non-const buffer from picking it instead of the copying one.
+    enum TakeOver { kTakeOver };
+    MString(char16_t* block, TakeOver);
     // Replaces the block by a new one of units + 1 units holding text.
     void Assign(const char16_t* text, size_t units);
 };
