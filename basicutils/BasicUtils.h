@@ -12,6 +12,10 @@
 
 // platform: the thin layer over the operating system.
 // (platform headers are listed here only where clients use them directly)
+#include <basicutils/platform/MessageQueue.h>
+#include <basicutils/platform/Sync.h>
+#include <basicutils/platform/Threads.h>
+#include <basicutils/platform/WinThread.h>
 #include <basicutils/platform/CodePage.h>
 #include <basicutils/platform/Errors.h>
 

@@ -1,0 +1,150 @@
+// Threads: suspended creation, real suspension, IDs, exit codes, bad handles.
+#include <basicutils/platform/Threads.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include <basicutils/platform/Sync.h>
+
+namespace basicutils {
+namespace {
+
+struct Spinner {
+    std::atomic<bool> stop{false};
+    std::atomic<uint64_t> count{0};
+    static DWORD Run(void* p) {
+        auto* s = static_cast<Spinner*>(p);
+        while (!s->stop.load()) {
+            s->count.fetch_add(1);
+            std::this_thread::yield();
+        }
+        return 7;
+    }
+    void WaitForProgress() {
+        uint64_t start = count.load();
+        while (count.load() < start + 100) std::this_thread::yield();
+    }
+};
+
+TEST(Threads, CreatedSuspendedRunsOnlyWhenCountReachesZero) {
+    Spinner s;
+    DWORD id = 0;
+    HANDLE h = CreateThread(nullptr, 0, &Spinner::Run, &s, CREATE_SUSPENDED, &id);
+    ASSERT_NE(h, nullptr);
+    EXPECT_NE(id, 0u);
+    EXPECT_EQ(GetThreadId(h), id);
+    EXPECT_EQ(SuspendThread(h), 1u);  // count 2 now
+    EXPECT_EQ(ResumeThread(h), 2u);
+    EXPECT_EQ(WaitForSingleObject(h, 0), WAIT_TIMEOUT);
+    EXPECT_EQ(s.count.load(), 0u);
+    EXPECT_EQ(ResumeThread(h), 1u);
+    s.WaitForProgress();
+    EXPECT_EQ(ResumeThread(h), 0u);  // not suspended: nothing to do
+    s.stop = true;
+    EXPECT_EQ(WaitForSingleObject(h, INFINITE), WAIT_OBJECT_0);
+    DWORD code = 0;
+    EXPECT_TRUE(GetExitCodeThread(h, &code));
+    EXPECT_EQ(code, 7u);
+    EXPECT_TRUE(CloseHandle(h));
+}
+
+// The spinning thread never looks at a flag: only the signal stops it.
+TEST(Threads, SuspendStopsARunningThreadUntilEveryResume) {
+    Spinner s;
+    HANDLE h = CreateThread(nullptr, 0, &Spinner::Run, &s, 0, nullptr);
+    ASSERT_NE(h, nullptr);
+    s.WaitForProgress();
+    DWORD code = 0;
+    GetExitCodeThread(h, &code);
+    EXPECT_EQ(code, STILL_ACTIVE);
+    for (int round = 0; round < 20; ++round) {
+        EXPECT_EQ(SuspendThread(h), 0u);
+        EXPECT_EQ(SuspendThread(h), 1u);
+        const uint64_t frozen = s.count.load();
+        for (int i = 0; i < 2000; ++i) std::this_thread::yield();
+        EXPECT_EQ(s.count.load(), frozen);
+        EXPECT_EQ(ResumeThread(h), 2u);
+        for (int i = 0; i < 2000; ++i) std::this_thread::yield();
+        EXPECT_EQ(s.count.load(), frozen) << "one Resume of two must not release it";
+        EXPECT_EQ(ResumeThread(h), 1u);
+        s.WaitForProgress();
+    }
+    s.stop = true;
+    EXPECT_EQ(WaitForSingleObject(h, INFINITE), WAIT_OBJECT_0);
+    EXPECT_EQ(SuspendThread(h), kThreadCallFailed) << "an ended thread can't be suspended";
+    CloseHandle(h);
+}
+
+TEST(Threads, ThreadCanSuspendItself) {
+    struct Self {
+        HANDLE handle = nullptr;
+        std::atomic<bool> ready{false}, resumed{false};
+        static DWORD Run(void* p) {
+            auto* self = static_cast<Self*>(p);
+            while (!self->ready) std::this_thread::yield();
+            SuspendThread(self->handle);
+            self->resumed = true;
+            return 0;
+        }
+    } self;
+    self.handle = CreateThread(nullptr, 0, &Self::Run, &self, 0, nullptr);
+    self.ready = true;
+    // Resume returns 1 only once the thread has suspended itself.
+    while (ResumeThread(self.handle) != 1u) std::this_thread::yield();
+    EXPECT_EQ(WaitForSingleObject(self.handle, INFINITE), WAIT_OBJECT_0);
+    EXPECT_TRUE(self.resumed);
+    CloseHandle(self.handle);
+}
+
+TEST(Threads, IdentitiesAndTheMainThread) {
+    const DWORD mine = GetCurrentThreadId();
+    EXPECT_NE(mine, 0u);
+    EXPECT_EQ(GetCurrentThreadId(), mine);
+    EXPECT_EQ(GetMainThreadId(), mine) << "the test's main thread loaded the library";
+    EXPECT_TRUE(IsMainThread());
+    DWORD other = 0;
+    bool otherIsMain = true;
+    std::thread t([&] {
+        other = GetCurrentThreadId();
+        otherIsMain = IsMainThread();
+    });
+    t.join();
+    EXPECT_NE(other, 0u);
+    EXPECT_NE(other, mine);
+    EXPECT_FALSE(otherIsMain);
+    SetMainThreadId(other);
+    EXPECT_FALSE(IsMainThread());
+    SetMainThreadId(mine);
+    EXPECT_TRUE(IsMainThread());
+}
+
+TEST(Threads, BadHandlesAndFailedCreationGiveFailures) {
+    int dummy = 0;
+    HANDLE bogus = &dummy;
+    HANDLE event = CreateEventW(nullptr, 1, 0, nullptr);
+    for (HANDLE h : {bogus, static_cast<HANDLE>(nullptr), event}) {
+        EXPECT_EQ(SuspendThread(h), kThreadCallFailed);
+        EXPECT_EQ(ResumeThread(h), kThreadCallFailed);
+        EXPECT_EQ(GetThreadId(h), 0u);
+        DWORD code;
+        EXPECT_FALSE(GetExitCodeThread(h, &code));
+    }
+    EXPECT_TRUE(CloseHandle(event));
+    EXPECT_FALSE(CloseHandle(event)) << "closed twice";
+    EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_FAILED);
+    EXPECT_FALSE(CloseHandle(bogus));
+
+    detail::FailThreadCreations(1);
+    Spinner s;
+    s.stop = true;
+    EXPECT_EQ(CreateThread(nullptr, 0, &Spinner::Run, &s, 0, nullptr), nullptr);
+    HANDLE h = CreateThread(nullptr, 0, &Spinner::Run, &s, 0, nullptr);
+    ASSERT_NE(h, nullptr) << "only one creation was to fail";
+    WaitForSingleObject(h, INFINITE);
+    CloseHandle(h);
+}
+
+}  // namespace
+}  // namespace basicutils

@@ -1,0 +1,223 @@
+// Per-thread state: registry, message queue, call queue and wake-ups.
+#include <basicutils/platform/posix/ThreadState.h>
+
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <unordered_map>
+
+namespace basicutils::detail {
+namespace {
+
+struct Registry {
+    std::mutex lock;
+    std::unordered_map<DWORD, std::shared_ptr<ThreadState>> states;
+};
+
+// Never destroyed: threads may outlive static destruction at exit.
+Registry& TheRegistry() {
+    static Registry* registry = new Registry;
+    return *registry;
+}
+
+std::atomic<DWORD> gNextThreadId{1};
+
+// Drops the thread's state from the registry when the thread ends.
+struct StateHolder {
+    std::shared_ptr<ThreadState> state;
+    ~StateHolder() {
+        if (!state) return;
+        state->Retire();
+        Registry& r = TheRegistry();
+        std::lock_guard<std::mutex> g(r.lock);
+        r.states.erase(state->Id());
+    }
+};
+
+thread_local StateHolder tHolder;
+
+}  // namespace
+
+ThreadState::~ThreadState() {
+    if (mFd >= 0) ::close(mFd);
+}
+
+void ThreadState::Wake() {
+    std::lock_guard<std::mutex> g(mLock);
+    ++mWakes;
+    mWake.notify_all();
+}
+
+uint64_t ThreadState::WakeCount() {
+    std::lock_guard<std::mutex> g(mLock);
+    return mWakes;
+}
+
+bool ThreadState::WaitForWake(uint64_t seen, bool infinite,
+                              std::chrono::steady_clock::time_point deadline) {
+    std::unique_lock<std::mutex> l(mLock);
+    auto changed = [&] { return mWakes != seen; };
+    if (infinite) {
+        mWake.wait(l, changed);
+        return true;
+    }
+    return mWake.wait_until(l, deadline, changed);
+}
+
+void ThreadState::SyncFdLocked() {
+    if (mFd < 0) return;
+    bool want = !mMessages.empty() || mQuitPending;
+    if (want && !mFdArmed) {
+        uint64_t one = 1;
+        ssize_t n = ::write(mFd, &one, sizeof one);
+        mFdArmed = n == static_cast<ssize_t>(sizeof one);
+    } else if (!want && mFdArmed) {
+        uint64_t value = 0;
+        ssize_t n = ::read(mFd, &value, sizeof value);
+        (void)n;
+        mFdArmed = false;
+    }
+}
+
+bool ThreadState::Post(const MSG& message) {
+    std::lock_guard<std::mutex> g(mLock);
+    if (!mAlive) return false;
+    mMessages.push_back(message);
+    SyncFdLocked();
+    ++mWakes;
+    mWake.notify_all();
+    return true;
+}
+
+bool ThreadState::QueueApc(PAPCFUNC function, ULONG_PTR data) {
+    std::lock_guard<std::mutex> g(mLock);
+    if (!mAlive) return false;
+    mApcs.emplace_back(function, data);
+    ++mWakes;
+    mWake.notify_all();
+    return true;
+}
+
+void ThreadState::PostQuit(int exitCode) {
+    std::lock_guard<std::mutex> g(mLock);
+    mQuitPending = true;
+    mQuitCode = exitCode;
+    SyncFdLocked();
+    ++mWakes;
+    mWake.notify_all();
+}
+
+bool ThreadState::Take(MSG* message, bool remove, bool* quit) {
+    std::lock_guard<std::mutex> g(mLock);
+    *quit = false;
+    if (!mMessages.empty()) {
+        *message = mMessages.front();
+        *quit = message->message == WM_QUIT;
+        if (remove) {
+            mMessages.pop_front();
+            SyncFdLocked();
+        }
+        return true;
+    }
+    if (mQuitPending) {
+        *message = MSG{nullptr, WM_QUIT, static_cast<WPARAM>(mQuitCode), 0, TickCount()};
+        *quit = true;
+        if (remove) {
+            mQuitPending = false;
+            SyncFdLocked();
+        }
+        return true;
+    }
+    return false;
+}
+
+bool ThreadState::WaitForMessage(DWORD milliseconds) {
+    std::unique_lock<std::mutex> l(mLock);
+    auto ready = [&] { return !mMessages.empty() || mQuitPending; };
+    if (milliseconds == INFINITE) {
+        mWake.wait(l, ready);
+        return true;
+    }
+    return mWake.wait_for(l, std::chrono::milliseconds(milliseconds), ready);
+}
+
+size_t ThreadState::PendingCount() {
+    std::lock_guard<std::mutex> g(mLock);
+    return mMessages.size();
+}
+
+std::vector<MSG> ThreadState::TakeWindowMessages(HWND window) {
+    std::lock_guard<std::mutex> g(mLock);
+    std::vector<MSG> taken;
+    std::deque<MSG> kept;
+    for (const MSG& m : mMessages) (m.hwnd == window ? taken.push_back(m) : kept.push_back(m));
+    mMessages.swap(kept);
+    SyncFdLocked();
+    return taken;
+}
+
+bool ThreadState::HasApcs() {
+    std::lock_guard<std::mutex> g(mLock);
+    return !mApcs.empty();
+}
+
+bool ThreadState::RunApcs() {
+    std::deque<std::pair<PAPCFUNC, ULONG_PTR>> calls;
+    {
+        std::lock_guard<std::mutex> g(mLock);
+        calls.swap(mApcs);
+    }
+    for (auto& [function, data] : calls) function(data);
+    return !calls.empty();
+}
+
+int ThreadState::Fd() {
+    std::lock_guard<std::mutex> g(mLock);
+    if (mFd < 0) {
+        mFd = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+        mFdArmed = false;
+        SyncFdLocked();
+    }
+    return mFd;
+}
+
+void ThreadState::Retire() {
+    std::lock_guard<std::mutex> g(mLock);
+    mAlive = false;
+    mMessages.clear();
+    mApcs.clear();
+    mQuitPending = false;
+    SyncFdLocked();
+}
+
+std::shared_ptr<ThreadState> NewThreadState() {
+    auto state = std::make_shared<ThreadState>(gNextThreadId.fetch_add(1));
+    Registry& r = TheRegistry();
+    std::lock_guard<std::mutex> g(r.lock);
+    r.states[state->Id()] = state;
+    return state;
+}
+
+void AdoptThreadState(std::shared_ptr<ThreadState> state) { tHolder.state = std::move(state); }
+
+std::shared_ptr<ThreadState> CurrentThreadState() {
+    if (!tHolder.state) tHolder.state = NewThreadState();
+    return tHolder.state;
+}
+
+std::shared_ptr<ThreadState> FindThreadState(DWORD id) {
+    Registry& r = TheRegistry();
+    std::lock_guard<std::mutex> g(r.lock);
+    auto it = r.states.find(id);
+    return it == r.states.end() ? nullptr : it->second;
+}
+
+DWORD TickCount() {
+    using namespace std::chrono;
+    return static_cast<DWORD>(
+        duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
+}
+
+}  // namespace basicutils::detail
