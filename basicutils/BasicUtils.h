@@ -36,6 +36,7 @@
 // time
 #include <basicutils/time/CDateTime.h>
 #include <basicutils/time/CTimecode.h>
+#include <basicutils/time/CDuration.h>
 // bitstream
 #include <basicutils/bitstream/ByteOrder.h>
 #include <basicutils/bitstream/CAppBits.h>
