@@ -1,7 +1,6 @@
 #include <basicutils/bitstream/CAppBits.h>
 
 #include <cassert>
-#include <cstring>
 
 namespace basicutils {
 
@@ -15,12 +14,6 @@ namespace {
 
 // Bytes a field of n bits at offset o covers.
 inline int BytesCovered(int offset, int n) { return (offset + n + 7) >> 3; }
-
-inline uint64_t LoadBigEndian64(const unsigned char* p) {
-    uint64_t v;
-    std::memcpy(&v, p, sizeof v);
-    return __builtin_bswap64(v);
-}
 
 }  // namespace
 
@@ -60,7 +53,7 @@ int CAppBits::FastGetBits(int n, cbits_get_t mode) {
     return result;
 }
 
-int CAppBits::PeekBits(int n) const {
+int CAppBits::PeekBits(int n) {
     assert(n <= 32);
     if (n <= 0) return 0;
     const int o = mBitOffset;
@@ -68,19 +61,8 @@ int CAppBits::PeekBits(int n) const {
     assert(p >= 0 && static_cast<int64_t>(p) + BytesCovered(o, n) <= mBufSize);
     const unsigned char* bytes = mBuffer + p;
 
-    // Eight bytes at the cursor: one load covers any field (o + n <= 39).
-    // The double shift keeps each shift below 64 for every n.
-    if (p >= 0 && static_cast<int64_t>(p) + 8 <= mBufSize) {
-        uint64_t v = LoadBigEndian64(bytes) << o;
-        return static_cast<int>(static_cast<uint32_t>((v >> (63 - n)) >> 1));
-    }
-
-    // Near the end: the mask tables for short fields, the byte loop otherwise.
-    if (n <= 8 && static_cast<int64_t>(p) + 2 <= mBufSize) {
-        unsigned w = (static_cast<unsigned>(sFirstByteMasks[n][o] & bytes[0]) << 8) |
-                     static_cast<unsigned>(sSecondByteMasks[n][o] & bytes[1]);
-        return static_cast<int>(w >> (16 - o - n));
-    }
+    // The mask tables for short fields with two bytes left, else byte by byte.
+    if (n <= 8 && static_cast<int64_t>(p) + 2 <= mBufSize) return FastGetBits(n, kCBitsShow);
 
     const uint32_t first = bytes[0] & sRemainingBitsMasks[o];
     const int avail = 8 - o;
@@ -95,21 +77,7 @@ int CAppBits::PeekBits(int n) const {
     return static_cast<int>(result);
 }
 
-int CAppBits::ShowBits(int n) { return PeekBits(n); }
-
-int CAppBits::GetBits(int n, cbits_get_t mode) {
-    int result = PeekBits(n);
-    if (mode == kCBitsConsume) Advance(n);
-    return result;
-}
-
 void CAppBits::FlushBits(int n) { Advance(n); }
-
-int CAppBits::GetBitsAt(int bitPosition, int n) {
-    mBytePos = bitPosition >> 3;
-    mBitOffset = bitPosition & 7;
-    return GetBits(n, kCBitsConsume);
-}
 
 int CAppBits::PutBits(int value, int n) {
     assert(n <= 32);

@@ -12,7 +12,9 @@
 // current byte. Debug builds assert it.
 //
 // Reading. Three routes give the same result:
-//   - where eight bytes remain at the cursor, one unaligned 64-bit load;
+//   - where eight bytes remain at the cursor, one unaligned 64-bit load,
+//     inline in this header so that a parsing loop keeps the cursor in
+//     registers;
 //   - otherwise, for up to 8 bits with two bytes left, the two mask tables
 //     (`FastGetBits`, no loop);
 //   - otherwise byte by byte, touching only the bytes the field covers.
@@ -20,7 +22,7 @@
 //     bytes; the leftover bits of the first byte are put back on top.
 // Near the end of the buffer only bytes inside it are loaded, and within
 // the last byte a read that fits touches no further byte. A read of 0 bits
-// returns 0 and touches no memory at all.
+// returns 0 and, unless eight bytes remain, loads nothing.
 //
 // Writing. `PutBits` treats a byte it starts at bit 0 as fresh and clears
 // it (including bits beyond the field), while into a byte already begun it
@@ -37,7 +39,9 @@
 // walk the same buffer independently.
 #pragma once
 
+#include <cassert>
 #include <cstdint>
+#include <cstring>
 
 #include <basicutils/Export.h>
 
@@ -67,16 +71,20 @@ public:
     int GetBytePosition() const { return mBytePos; }
 
     // The next n bits (0..32); the cursor stays.
-    int ShowBits(int n);
+    int ShowBits(int n) { return GetBits(n, kCBitsShow); }
     // The next n bits; the cursor moves past them in kCBitsConsume mode.
-    int GetBits(int n, cbits_get_t mode);
+    inline int GetBits(int n, cbits_get_t mode);
     // Moves the cursor forward n bits without reading.
     void FlushBits(int n);
     // Writes the low n bits of value at the cursor and moves past them.
     // Value first, count second. Returns 0.
     int PutBits(int value, int n);
     // Moves the cursor to bitPosition, reads n bits and stays after them.
-    int GetBitsAt(int bitPosition, int n);
+    int GetBitsAt(int bitPosition, int n) {
+        mBytePos = bitPosition >> 3;
+        mBitOffset = bitPosition & 7;
+        return GetBits(n, kCBitsConsume);
+    }
     // Moves the cursor to bitPosition and writes as PutBits does. Returns 0.
     int PutBitsAt(int bitPosition, int value, int n);
 
@@ -88,8 +96,9 @@ protected:
     // Fills the three tables; returns true. Run once at load.
     static bool InitializeByteMasks();
 
-    // The read shared by ShowBits, GetBits and GetBitsAt, without moving.
-    int PeekBits(int n) const;
+    // The reads near the end of the buffer (fewer than eight bytes at the
+    // cursor), without moving it: the mask tables or the byte loop.
+    int PeekBits(int n);
     // Advances the bit position by n.
     void Advance(int n) {
         int bits = mBitOffset + n;
@@ -110,5 +119,23 @@ protected:
     // Column o: the bits of the current byte not yet passed (0xFF >> o).
     static unsigned char sRemainingBitsMasks[8];
 };
+
+int CAppBits::GetBits(int n, cbits_get_t mode) {
+    assert(n >= 0 && n <= 32);
+    const int p = mBytePos;
+    int result;
+    if (p >= 0 && static_cast<int64_t>(p) + 8 <= mBufSize) {
+        // o + n <= 39 bits fit in one load; the split shift stays below 64
+        // for every n, and n = 0 gives 0.
+        uint64_t v;
+        std::memcpy(&v, mBuffer + p, sizeof v);
+        v = __builtin_bswap64(v) << mBitOffset;
+        result = static_cast<int>(static_cast<uint32_t>((v >> (63 - n)) >> 1));
+    } else {
+        result = PeekBits(n);
+    }
+    if (mode == kCBitsConsume) Advance(n);
+    return result;
+}
 
 }  // namespace basicutils
