@@ -9,7 +9,8 @@
 //   1. the byte mask tables of CAppBits
 //   2. gIdleProcesses
 //   3. MFileDialog::sLastFile
-//   4. LArray::sBytesComparator, then LArray::sLongComparator
+//   4. LArray::sBytesComparator, then LArray::sLongComparator, then
+//      LArray::sPointerComparator
 //   5. CVelmorantProfile::sProfilePath
 //   6. StGlobalLock::sSafe
 //   7. CMessageAction::sMessageAction (sDefaultType 1)
@@ -28,6 +29,9 @@ bool CAppBits::sByteMasksInitialized = CAppBits::InitializeByteMasks();
 // 3. MFileDialog::sLastFile
 
 // 4. LArray comparators
+LComparator LArray::sBytesComparator;
+LLongComparator LArray::sLongComparator;
+LPointerComparator LArray::sPointerComparator;
 
 // 5. CVelmorantProfile::sProfilePath
 

@@ -1,0 +1,77 @@
+// LArrayIterator and LListIterator: walkers that stay valid while the array
+// changes under them.
+//
+// The usual walk: construct at position 0, then call Next(&item) until it
+// returns false. The array tells each of its iterators about every insertion
+// and removal, so a walk stays on its item: items inserted at or before the
+// current position push it up and are not visited, items inserted after it
+// are visited. When the current item is removed the iterator is in the
+// "item removed" state (kIteratorItemRemoved) and remembers where to go on:
+// Next lands on the item that followed the removed range, Previous on the one
+// before it. When the array is destroyed the iterator becomes dead
+// (kIteratorArrayDead): every call then answers false or does nothing, and
+// its destructor does not touch the array.
+//
+// Choices:
+// - In the item-removed state a further removal is taken into account: a
+//   range removed in front of the remembered next item moves it down, and a
+//   range that covers it moves it to the item after that range. So a walk
+//   never skips an item that is still there, even when the owner removes
+//   more items before the walk moves on.
+// - A dead iterator forgets its array (mArray becomes null).
+// - Iterators cannot be copied: a copy would not be registered with the
+//   array and would be left dangling when it dies.
+#pragma once
+
+#include <basicutils/Export.h>
+#include <basicutils/containers/LArray.h>
+
+#include <cstdint>
+
+namespace basicutils {
+
+class LList;
+
+class BASICUTILS_EXPORT LArrayIterator {
+ public:
+  LArrayIterator(LArray& array, int32_t position);
+  LArrayIterator(const LArrayIterator&) = delete;
+  LArrayIterator& operator=(const LArrayIterator&) = delete;
+  virtual ~LArrayIterator();
+
+  // position: 0 before the first item, 1..count on an item, -1 or anything
+  // above the count past the end; other values below 1 act as 0.
+  void ResetTo(int32_t position);
+  bool Current(void* buffer);
+  bool Current(void* buffer, uint32_t& size);
+  bool Next(void* buffer);
+  bool Next(void* buffer, uint32_t& size);
+  bool Previous(void* buffer);
+  bool Previous(void* buffer, uint32_t& size);
+  // The raw position, special values included.
+  int32_t GetCurrentIndex() const { return mCurrentIndex; }
+
+ protected:
+  friend class LArray;
+
+  void CalcNextIndex();
+  bool CalcPreviousIndex();
+  void SetNextIterator(LArrayIterator* next) { mNextIterator = next; }
+  LArrayIterator* GetNextIterator() { return mNextIterator; }
+  void ArrayDied();
+  void ItemsInserted(uint32_t count, int32_t index);
+  void ItemsRemoved(uint32_t count, int32_t index);
+
+  LArrayIterator* mNextIterator;
+  LArray* mArray;
+  int32_t mCurrentIndex;
+  int32_t mNextIndex;
+};
+
+class BASICUTILS_EXPORT LListIterator : public LArrayIterator {
+ public:
+  LListIterator(LList& list, int32_t position);
+  ~LListIterator() override;
+};
+
+}  // namespace basicutils
