@@ -37,6 +37,7 @@
 #include <basicutils/time/CDateTime.h>
 #include <basicutils/time/CTimecode.h>
 #include <basicutils/time/CDuration.h>
+#include <basicutils/time/CTimecodeList.h>
 // bitstream
 #include <basicutils/bitstream/ByteOrder.h>
 #include <basicutils/bitstream/CAppBits.h>

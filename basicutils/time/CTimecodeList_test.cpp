@@ -1,0 +1,99 @@
+#include <basicutils/time/CTimecodeList.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace basicutils {
+namespace {
+
+CTimecode T(int h, int m, int s, int f, double rate = 30.0) {
+    return CTimecode(static_cast<uint16_t>(h), static_cast<uint16_t>(m), static_cast<uint16_t>(s),
+                     static_cast<uint16_t>(f), rate);
+}
+
+std::string S(const CTimecode* t) {
+    if (!t) return "null";
+    char buf[40];
+    std::snprintf(buf, sizeof buf, "%02d:%02d:%02d:%02d@%g", t->GetHour(), t->GetMinute(),
+                  t->GetSecond(), t->GetFrame(), t->GetFrameRate());
+    return buf;
+}
+
+TEST(CTimecodeList, OwnsCopiesAndWalksByItsCursor) {
+    CTimecodeList list;
+    CTimecode value = T(0, 0, 1, 0);
+    list.Add(value);
+    list.Add(T(0, 0, 2, 0));
+    value.SetSecond(9);  // the list kept its own copy
+    EXPECT_EQ(list.GetSize(), 2);
+    EXPECT_EQ(S(list.GetHead()), "00:00:01:00@30");
+    EXPECT_EQ(S(list.GetNext()), "00:00:02:00@30");
+    EXPECT_EQ(list.GetNext(), nullptr);
+    EXPECT_EQ(list.GetNext(), nullptr);
+    EXPECT_EQ(S(list.GetTail()), "00:00:02:00@30");
+
+    CTimecodeList other;
+    other.Add(T(5, 0, 0, 0));
+    other = list;
+    EXPECT_EQ(list.GetNext(), nullptr);  // reading the source moved its cursor past the tail
+    other.GetHead()->SetFrame(7);
+    EXPECT_EQ(S(list.GetHead()), "00:00:01:00@30");
+    EXPECT_EQ(S(other.GetHead()), "00:00:01:07@30");
+    EXPECT_EQ(other.GetSize(), 2);
+    CTimecodeList& alias = other;
+    other = alias;  // self-assignment keeps the content
+    EXPECT_EQ(other.GetSize(), 2);
+
+    list.DeleteAll();
+    EXPECT_EQ(list.GetSize(), 0);
+    EXPECT_EQ(list.GetHead(), nullptr);
+    list.Add(T(0, 0, 0, 1));
+    EXPECT_EQ(list.GetSize(), 1);
+}
+
+TEST(CTimecodeList, Change2PALKeepsTheFigures) {
+    CTimecodeList list;
+    list.Change2PAL();  // empty: nothing to do
+    list.Add(T(0, 0, 10, 29));
+    list.Add(T(0, 0, 10, 12));
+    list.Change2PAL();
+    EXPECT_EQ(S(list.GetHead()), "00:00:10:24@25");
+    EXPECT_EQ(S(list.GetNext()), "00:00:10:12@25");
+}
+
+TEST(CDurationList, Change2PALKeepsFiguresAndDropType) {
+    CDuration d;
+    d.SetStartTime(T(0, 0, 10, 0));
+    d.SetDuration(T(0, 0, 5, 10));
+    d.SetDropType(kDrop);
+    CDuration clipped;
+    clipped.SetStartTime(T(0, 0, 1, 28));
+    clipped.SetDuration(T(0, 0, 0, 27));
+    CDurationList list;
+    list.Add(d);
+    list.Add(clipped);
+    CTimecode ntscEnd = list.GetHead()->GetEndTime();
+    EXPECT_EQ(S(&ntscEnd), "00:00:15:09@30");
+    EXPECT_EQ(list.GetHead()->GetTotalFrame(), 160);
+    list.Change2PAL();
+    CDuration* first = list.GetHead();
+    EXPECT_EQ(first->GetResolution(), kResolutionPAL);
+    EXPECT_EQ(first->GetDropType(), kDrop);
+    CTimecode end = first->GetEndTime();
+    EXPECT_EQ(S(&end), "00:00:15:09@25");
+    EXPECT_EQ(first->GetTotalFrame(), 135);
+    CDuration* second = list.GetNext();
+    CTimecode start = second->GetStartTime(), length = second->GetDuration();
+    EXPECT_EQ(S(&start), "00:00:01:24@25");
+    EXPECT_EQ(S(&length), "00:00:00:24@25");
+
+    CDurationList copy;
+    copy = list;
+    copy.GetHead()->SetDropType(kNonDrop);
+    EXPECT_EQ(list.GetHead()->GetDropType(), kDrop);
+    EXPECT_EQ(copy.GetSize(), 2);
+}
+
+}  // namespace
+}  // namespace basicutils
