@@ -6,6 +6,9 @@
 // are translated by ErrnoToWin32Error. FormatMessageW gives a readable
 // English sentence for a number.
 //
+// WAIT_TIMEOUT (258) is a wait result and lives with the waits in Sync.h;
+// FormatMessageW still knows its text.
+//
 // Only the numbers listed here are produced by the library. An errno without
 // a specific counterpart maps to ERROR_GEN_FAILURE (31).
 #pragma once
@@ -58,7 +61,6 @@ inline constexpr uint32_t ERROR_BUSY = 170;
 inline constexpr uint32_t ERROR_ALREADY_EXISTS = 183;
 inline constexpr uint32_t ERROR_FILENAME_EXCED_RANGE = 206;
 inline constexpr uint32_t ERROR_BAD_EXE_FORMAT = 193;
-inline constexpr uint32_t WAIT_TIMEOUT = 258;
 inline constexpr uint32_t ERROR_NO_MORE_ITEMS = 259;
 inline constexpr uint32_t ERROR_DIRECTORY = 267;
 inline constexpr uint32_t ERROR_NOT_OWNER = 288;

@@ -12,6 +12,8 @@ namespace {
 
 thread_local uint32_t tLastError = ERROR_SUCCESS;
 
+constexpr uint32_t kWaitTimeout = 258;  // WAIT_TIMEOUT, the result of a wait
+
 struct ErrnoEntry {
     int errnum;
     uint32_t win32;
@@ -115,7 +117,7 @@ constexpr MessageEntry kMessages[] = {
     {ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists."},
     {ERROR_BAD_EXE_FORMAT, "The file is not a valid application."},
     {ERROR_FILENAME_EXCED_RANGE, "The filename or extension is too long."},
-    {WAIT_TIMEOUT, "The wait operation timed out."},
+    {kWaitTimeout, "The wait operation timed out."},
     {ERROR_NO_MORE_ITEMS, "No more data is available."},
     {ERROR_DIRECTORY, "The directory name is invalid."},
     {ERROR_NOT_OWNER, "Attempt to release mutex not owned by caller."},
