@@ -22,6 +22,9 @@
 // text
 #include <basicutils/text/WideString.h>
 #include <basicutils/text/MString.h>
+#include <basicutils/text/UStringUtils.h>
+#include <basicutils/text/CStringExtract.h>
+#include <basicutils/text/CaseCompare.h>
 // containers
 #include <basicutils/containers/Handle.h>
 #include <basicutils/containers/LArray.h>
@@ -38,6 +41,7 @@
 #include <basicutils/time/CTimecode.h>
 #include <basicutils/time/CDuration.h>
 #include <basicutils/time/CTimecodeList.h>
+#include <basicutils/time/CTimecodeParser.h>
 // bitstream
 #include <basicutils/bitstream/ByteOrder.h>
 #include <basicutils/bitstream/CAppBits.h>

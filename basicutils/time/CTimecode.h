@@ -38,6 +38,8 @@
 
 namespace basicutils {
 
+class MString;
+
 enum frame_type_t : int32_t {
     kFrameType24 = 0,
     kFrameType25 = 1,
@@ -132,6 +134,20 @@ public:
     void Nondrop2Drop(const CTimecode& start);
     void Drop2Nondrop(const CTimecode& start, CTimecode* result) const;
     void Drop2Nondrop(const CTimecode& start);
+
+    // Text forms (CTimecodeText.cpp). GetTime writes HH:MM:SS:FF, with ';'
+    // before the frames at 25 frames a second; each number has at least two
+    // digits. A buffer needs 12 units up to hour 99. SetTime reads up to four
+    // numbers separated by ':' or ';' from the left (1:2 is one hour and two
+    // minutes; empty places count for nothing), each taken to 16 bits, and
+    // sets them through the validating setters. Text beyond 31 units is
+    // ignored and null reads as empty. SetTimeWithType takes the rate of a
+    // 24, 25 or 30 type, and keeps the present rate for any other value.
+    virtual void GetTime(MString* out) const;
+    virtual void GetTime(char16_t* out) const;
+    virtual bool SetTime(const char16_t* text);
+    virtual bool SetTime(const char16_t* text, double rate);
+    virtual bool SetTimeWithType(const char16_t* text, frame_type_t type);
 
     bool operator==(const CTimecode& other) const;
     bool operator!=(const CTimecode& other) const { return !(*this == other); }

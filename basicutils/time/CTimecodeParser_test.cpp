@@ -1,0 +1,161 @@
+#include <basicutils/time/CTimecodeParser.h>
+
+#include <basicutils/text/MString.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace basicutils {
+namespace {
+
+std::u16string U(const MString& s) { return std::u16string(static_cast<const char16_t*>(s)); }
+
+std::string Fields(const CTimecode& t) {
+    char buf[48];
+    std::snprintf(buf, sizeof buf, "%d:%d:%d:%d@%g", t.GetHour(), t.GetMinute(), t.GetSecond(),
+                  t.GetFrame(), t.GetFrameRate());
+    return buf;
+}
+
+// Parse fills from the right; the texts are kept as written.
+TEST(CTimecodeParser, ParseFillsFromTheRight) {
+    struct Case {
+        const char16_t* text;
+        const char16_t *hour, *minute, *second, *frame;
+        frame_type_t type;
+        const char16_t* written;
+    } cases[] = {
+        {u"01:02:03:04", u"01", u"02", u"03", u"04", kFrameType30, u"01:02:03:04"},
+        {u"01:02:03;04", u"01", u"02", u"03", u"04", kFrameType25, u"01:02:03;04"},
+        {u"1:2:3:4", u"1", u"2", u"3", u"4", kFrameType30, u"1:2:3:4"},
+        {u"12", u"", u"", u"", u"12", kFrameType30, u":::12"},
+        {u"3:12", u"", u"", u"3", u"12", kFrameType30, u"::3:12"},
+        {u"", u"", u"", u"", u"", kFrameType30, u":::"},
+        {u"1:2:3:4:5", u"1:2", u"3", u"4", u"5", kFrameType30, u"1:2:3:4:5"},
+        {u"10:20;30:40", u"", u"10", u"20", u"30:40", kFrameType25, u":10:20;30:40"},
+        {u"1;2:3:4", u"", u"", u"1", u"2:3:4", kFrameType25, u"::1;2:3:4"},
+        {u"ab:cd", u"", u"", u"ab", u"cd", kFrameType30, u"::ab:cd"},
+    };
+    for (const Case& c : cases) {
+        CTimecodeParser p;
+        p.SetHour(9);
+        p.Parse(c.text, false);
+        CTimecodeParser q(p);
+        EXPECT_EQ(U(q.GetString()), c.written) << std::u16string(c.text).size();
+        EXPECT_EQ(U(q.GetRawString()), std::u16string(c.hour) + c.minute + c.second + c.frame);
+        EXPECT_EQ(q.GetFrameType(), c.type);
+    }
+}
+
+TEST(CTimecodeParser, NumbersReadLikeWtoiAndValidateInGetTime) {
+    CTimecodeParser p;
+    EXPECT_EQ(U(p.GetString()), u":::");
+    p.Parse(u"1x:2y", false);
+    EXPECT_EQ(p.GetSecond(), 1);
+    EXPECT_EQ(p.GetFrame(), 2);
+    p.Parse(u"1:2:3:4:5", false);
+    EXPECT_EQ(p.GetHour(), 1);
+    p.Parse(u" -1:75:1:30", false);
+    EXPECT_EQ(p.GetHour(), 65535);  // low 16 bits
+    EXPECT_EQ(Fields(p.GetTime()), "65535:59:1:29@30");
+    p.SetFrameType(kFrameType25);
+    EXPECT_EQ(Fields(p.GetTime()), "65535:59:1:24@25");
+    p.Parse(u"01:02:03;04", false);
+    EXPECT_EQ(Fields(p.GetTime()), "1:2:3:4@25");
+    p.Parse(u"1:2:3:4", false);
+    p.SetSecond(3);
+    EXPECT_EQ(U(p.GetString()), u"1:2:03:4");
+    struct {
+        uint16_t value;
+        const char16_t* text;
+    } numbers[] = {{7, u"07"}, {0, u"00"}, {123, u"123"}, {65535, u"65535"}};
+    for (auto& n : numbers) {
+        p.SetHour(n.value);
+        EXPECT_EQ(U(p.GetRawString()).substr(0, std::u16string(n.text).size()), n.text);
+    }
+    p.Parse(nullptr, false);
+    EXPECT_EQ(U(p.GetString()), u":::");
+}
+
+TEST(CTimecodeParser, KeepFrameTypeDecidesTheRate) {
+    CTimecodeParser p;
+    p.SetFrameType(kFrameType24);
+    p.Parse(u"00:00:01:23", true);
+    EXPECT_EQ(Fields(p.GetTime()), "0:0:1:23@24");
+    p.Parse(u"00:00:01:23", false);
+    EXPECT_EQ(Fields(p.GetTime()), "0:0:1:23@30");
+    // A timecode written and read back keeps its rate at 25 and 30 only.
+    for (double rate : {24.0, 25.0, 30.0}) {
+        CTimecode t(1, 2, 3, 4, rate);
+        p.SetTime(t);
+        CTimecodeParser back;
+        back.Parse(p.GetString(), false);
+        EXPECT_EQ(back.GetTime().GetFrameRate(), rate == 24.0 ? 30.0 : rate);
+        EXPECT_EQ(back.GetTime().GetTotalFrame(), CTimecode(1, 2, 3, 4, rate == 24.0 ? 30.0 : rate).GetTotalFrame());
+    }
+}
+
+TEST(CTimecodeText, GetTimeWritesTheForm) {
+    struct {
+        CTimecode t;
+        const char16_t* text;
+    } cases[] = {{CTimecode(0, 0, 1, 5, 25.0), u"00:00:01;05"},
+                 {CTimecode(0, 0, 1, 5, 24.0), u"00:00:01:05"},
+                 {CTimecode(0, 0, 1, 5, 30.0), u"00:00:01:05"},
+                 {CTimecode(0, 0, 1, 5, 29.97), u"00:00:01:05"},
+                 {CTimecode(100, 0, 0, 0, 30.0), u"100:00:00:00"}};
+    for (auto& c : cases) {
+        MString s;
+        c.t.GetTime(&s);
+        EXPECT_EQ(U(s), c.text);
+        char16_t buffer[16];
+        c.t.GetTime(buffer);
+        EXPECT_EQ(std::u16string(buffer), c.text);
+    }
+}
+
+// SetTime with text fills from the left, Parse from the right.
+TEST(CTimecodeText, SetTimeFillsFromTheLeft) {
+    struct {
+        const char16_t* text;
+        const char* fields;
+    } cases[] = {
+        {u"1:2", "1:2:0:0@30"},           {u"1::3", "1:3:0:0@30"},
+        {u"1;2;3;4", "1:2:3:4@30"},       {u"-5", "65531:0:0:0@30"},
+        {u"0:-5", "0:59:0:0@30"},         {u"::1:2:3:4:5", "1:2:3:4@30"},
+        {u"x", "0:0:0:0@30"},             {u"", "0:0:0:0@30"},
+        {u"1:2:3:45", "1:2:3:29@30"},     {u"0:0:0:0:0:0:0:0:0:0:0:0:0:0:0:1:2", "0:0:0:0@30"},
+    };
+    for (auto& c : cases) {
+        CTimecode t(9, 9, 9, 9, 30.0);
+        t.SetTime(c.text);
+        EXPECT_EQ(Fields(t), c.fields) << std::u16string(c.text).size();
+    }
+    CTimecode t;
+    EXPECT_FALSE(t.SetTime(static_cast<const char16_t*>(nullptr)));
+    // Text past 31 units is not read.
+    std::u16string longText = u"1:2:3:" + std::u16string(25, u'0') + u"456";
+    t.SetTime(longText.c_str());
+    EXPECT_EQ(Fields(t), "1:2:3:0@30");
+}
+
+TEST(CTimecodeText, SetTimeWithTypeChoosesTheRate) {
+    struct {
+        frame_type_t type;
+        double rate;
+    } cases[] = {{kFrameType24, 24.0}, {kFrameType25, 25.0}, {kFrameType30, 30.0},
+                 {kFrameTypeKeep, 29.97}, {kFrameTypeUnused, 29.97}};
+    for (auto& c : cases) {
+        CTimecode t(0, 0, 0, 0, 29.97);
+        t.SetTimeWithType(u"1:2:3:4", c.type);
+        EXPECT_EQ(t.GetFrameRate(), c.rate);
+        EXPECT_EQ(t.GetFrame(), 4);
+    }
+    CTimecode t;
+    t.SetTime(u"0:0:1:29", 25.0);
+    EXPECT_EQ(Fields(t), "0:0:1:24@25");
+}
+
+}  // namespace
+}  // namespace basicutils
