@@ -22,9 +22,6 @@
 // text
 #include <basicutils/text/WideString.h>
 #include <basicutils/text/MString.h>
-#include <basicutils/text/UStringUtils.h>
-#include <basicutils/text/CStringExtract.h>
-#include <basicutils/text/CaseCompare.h>
 // containers
 #include <basicutils/containers/Handle.h>
 #include <basicutils/containers/LArray.h>
