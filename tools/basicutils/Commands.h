@@ -36,5 +36,7 @@ bool ParseDouble(const std::string& text, double& value);
 
 // Subcommands. Add the declaration here and the entry in main.cpp.
 int RunTimecode(const Args& args);
+int RunBits(const Args& args);
+int RunBytes(const Args& args);
 
 }  // namespace basicutils_tool

@@ -28,6 +28,19 @@ const Command kCommands[] = {
      "TC is HH:MM:SS:FF (';' before the frames is accepted). Out-of-range fields are\n"
      "brought into range by the library, and the tool says what it read.",
      RunTimecode},
+    {"bits", nullptr, "bit fields of a file at bit positions, MSB first",
+     "usage: basicutils bits FILE POS:WIDTH...\n"
+     "  Reads WIDTH bits (0 to 32) at bit position POS of FILE, counting from the\n"
+     "  most significant bit of byte 0, and prints POS:WIDTH DECIMAL 0xHEX a line.\n"
+     "  example: basicutils bits clip.m2v 0:32 32:12 44:12",
+     RunBits},
+    {"bytes", nullptr, "numbers in a named byte order, or a hex dump, at a byte offset",
+     "usage: basicutils bytes FILE [--at N] [--mb16|--mb32|--mb64|--lb16|--lb32|--lb64|--count N]\n"
+     "  At byte offset N (default 0) reads one number of 2, 4 or 8 bytes, most (mb)\n"
+     "  or least (lb) significant byte first, and prints N FORM DECIMAL 0xHEX;\n"
+     "  or dumps N bytes in hex and text (--count; by default up to 16 bytes).\n"
+     "  example: basicutils bytes clip.m2v --at 4 --mb32",
+     RunBytes},
     {nullptr, nullptr, nullptr, nullptr, nullptr},
 };
 
