@@ -22,6 +22,8 @@
 // text
 #include <basicutils/text/WideString.h>
 #include <basicutils/text/MString.h>
+#include <basicutils/text/MStringArray.h>
+#include <basicutils/text/MStringList.h>
 // containers
 #include <basicutils/containers/Handle.h>
 #include <basicutils/containers/LArray.h>
