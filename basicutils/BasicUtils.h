@@ -24,6 +24,9 @@
 #include <basicutils/text/MString.h>
 #include <basicutils/text/MStringArray.h>
 #include <basicutils/text/MStringList.h>
+#include <basicutils/text/UStringUtils.h>
+#include <basicutils/text/CStringExtract.h>
+#include <basicutils/text/CaseCompare.h>
 // containers
 #include <basicutils/containers/Handle.h>
 #include <basicutils/containers/LArray.h>
@@ -35,6 +38,8 @@
 // messaging
 #include <basicutils/messaging/LBroadcaster.h>
 #include <basicutils/messaging/LNotifier.h>
+#include <basicutils/messaging/CMessageAction.h>
+#include <basicutils/messaging/CThreadStatus.h>
 // time
 #include <basicutils/time/CDateTime.h>
 #include <basicutils/time/CTimecode.h>
@@ -47,6 +52,12 @@
 #include <basicutils/bitstream/CAppBytes.h>
 // files
 // tasks
+#include <basicutils/tasks/CVelmorantThread.h>
+#include <basicutils/tasks/CThreadAction.h>
+#include <basicutils/tasks/CVelmorantWinThread.h>
+#include <basicutils/tasks/StGlobalLock.h>
+#include <basicutils/tasks/CIdleProcess.h>
 // undo
+#include <basicutils/undo/COperation.h>
 // script
 // environment
