@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <utility>
 
@@ -59,6 +60,15 @@ unsigned char MacRomanByte(char16_t c) {
 
 bool IsContinuation(unsigned char b) { return (b & 0xC0) == 0x80; }
 
+// Index of the first byte, in memory order, whose top bit is set in a word
+// that has one (high holds only top bits).
+int FirstHighByte(uint64_t high) {
+    if constexpr (std::endian::native == std::endian::little)
+        return std::countr_zero(high) / 8;
+    else
+        return std::countl_zero(high) / 8;
+}
+
 enum class Status { kOk, kNoRoom, kInvalid };
 
 // Writes one unit at out, counting it whether or not it fits.
@@ -74,20 +84,28 @@ Status DecodeUtf8(const unsigned char* s, size_t n, char16_t* dst, size_t cap, b
     size_t i = 0;
     out = 0;
     while (i < n) {
-        // Plain 7-bit runs, eight bytes at a time.
-        while (i + 8 <= n && (!Checked || out + 8 <= cap)) {
+        // 7-bit text eight bytes at a time; a word that holds a wider byte
+        // still gives up the 7-bit bytes in front of it.
+        if (i + 8 <= n && (!Checked || out + 8 <= cap)) {
             uint64_t word;
             std::memcpy(&word, s + i, 8);
-            if (word & 0x8080808080808080ull) break;
-            for (int k = 0; k < 8; ++k) dst[out + k] = s[i + k];
-            i += 8;
-            out += 8;
-        }
-        if (i >= n) break;
-        unsigned char b = s[i];
-        if (b < 0x80) {
-            Put16<Checked>(dst, cap, out, b);
+            const uint64_t high = word & 0x8080808080808080ull;
+            const size_t ascii = high ? static_cast<size_t>(FirstHighByte(high)) : size_t{8};
+            for (size_t k = 0; k < ascii; ++k) dst[out + k] = s[i + k];
+            i += ascii;
+            out += ascii;
+            if (ascii == 8) continue;
+        } else if (s[i] < 0x80) {
+            Put16<Checked>(dst, cap, out, s[i]);
             ++i;
+            continue;
+        }
+        unsigned char b = s[i];
+        // Two-byte sequences are the common wide case (Latin letters).
+        if (b >= 0xC2 && b <= 0xDF && i + 1 < n && IsContinuation(s[i + 1])) {
+            Put16<Checked>(dst, cap, out,
+                           static_cast<char16_t>(((b & 0x1F) << 6) | (s[i + 1] & 0x3F)));
+            i += 2;
             continue;
         }
         // The allowed range of the second byte and the sequence length.
