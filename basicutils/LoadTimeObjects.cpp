@@ -25,6 +25,7 @@ namespace basicutils {
 bool CAppBits::sByteMasksInitialized = CAppBits::InitializeByteMasks();
 
 // 2. gIdleProcesses
+CIdleProcesses gIdleProcesses;
 
 // 3. MFileDialog::sLastFile
 
@@ -36,11 +37,16 @@ LPointerComparator LArray::sPointerComparator;
 // 5. CVelmorantProfile::sProfilePath
 
 // 6. StGlobalLock::sSafe
+CCriticalSection StGlobalLock::sSafe;
 
 // 7. CMessageAction::sMessageAction
+std::atomic<message_action_t> CMessageAction::sDefaultType{kMessageWindow1};
+CMessageAction CMessageAction::sMessageAction;
 
 // 8. CThreadStatus::sThreadStatus
+CThreadStatus CThreadStatus::sThreadStatus;
 
 // 9. CThreadAction::sThreadAction
+CThreadAction CThreadAction::sThreadAction;
 
 }  // namespace basicutils

@@ -92,6 +92,7 @@ BASICUTILS_EXPORT std::vector<MSG> TakeWindowMessages(HWND window);
 // A window that is never shown: an address for messages, bound to the
 // thread that created it.
 class BASICUTILS_EXPORT CWnd : public CObject {
+    DECLARE_DYNAMIC(CWnd)
 public:
     CWnd();
     ~CWnd() override;
@@ -116,6 +117,7 @@ protected:
 // A frame window that stays hidden; Create takes the frame's usual arguments
 // and keeps the title. WS_VISIBLE is not honoured: nothing is ever shown.
 class BASICUTILS_EXPORT CFrameWnd : public CWnd {
+    DECLARE_DYNAMIC(CFrameWnd)
 public:
     static const RECT rectDefault;
     BOOL Create(const char16_t* className, const char16_t* title, DWORD style = WS_OVERLAPPEDWINDOW,

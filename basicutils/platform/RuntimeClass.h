@@ -60,3 +60,14 @@ public:                                                           \
     const ::basicutils::CRuntimeClass name::class##name = {                                   \
         #name, static_cast<int32_t>(sizeof(name)), &name::CreateObject, RUNTIME_CLASS(base)}; \
     const ::basicutils::CRuntimeClass* name::GetRuntimeClass() const { return RUNTIME_CLASS(name); }
+
+// A run-time class without dynamic creation (CreateObject answers nullptr).
+#define DECLARE_DYNAMIC(name)                             \
+public:                                                   \
+    static const ::basicutils::CRuntimeClass class##name; \
+    const ::basicutils::CRuntimeClass* GetRuntimeClass() const override;
+
+#define IMPLEMENT_DYNAMIC(name, base)                                                           \
+    const ::basicutils::CRuntimeClass name::class##name = {                                     \
+        #name, static_cast<int32_t>(sizeof(name)), nullptr, RUNTIME_CLASS(base)};               \
+    const ::basicutils::CRuntimeClass* name::GetRuntimeClass() const { return RUNTIME_CLASS(name); }

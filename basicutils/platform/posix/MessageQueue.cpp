@@ -104,6 +104,9 @@ int PumpMessages(DWORD waitMilliseconds) {
 
 int GetMessageQueueFd() { return detail::CurrentThreadState()->Fd(); }
 
+IMPLEMENT_DYNAMIC(CWnd, CObject)
+IMPLEMENT_DYNAMIC(CFrameWnd, CWnd)
+
 const RECT CFrameWnd::rectDefault = {INT32_MIN, INT32_MIN, 0, 0};
 
 CWnd::CWnd() : m_hWnd(nullptr), mOwnerThread(0) {}
