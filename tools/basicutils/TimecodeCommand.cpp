@@ -100,6 +100,7 @@ bool Expect(const Options& o, size_t count, const char* usage, int& status) {
 }  // namespace
 
 int RunTimecode(const Args& args) {
+    if (IsTimecodeTextAction(args)) return RunTimecodeText(args);
     Options o;
     int status = 0;
     if (!ParseOptions(args, o, status)) return status;
