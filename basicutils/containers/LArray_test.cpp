@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <random>
 #include <utility>
 #include <vector>
@@ -152,7 +153,8 @@ TEST(LArrayEditing, SwapAndMoveUnlessKeptSorted) {
       Fill(array, {1, 2, 3, 4});
       if (keep) array.SetKeepSorted(true);
       c.move ? array.MoveItem(c.a, c.b) : array.SwapItems(c.a, c.b);
-      EXPECT_EQ(Contents(array), keep ? std::vector<int32_t>{1, 2, 3, 4} : c.contents)
+      const std::vector<int32_t> unchanged = {1, 2, 3, 4};
+      EXPECT_EQ(Contents(array), keep ? unchanged : c.contents)
           << c.move << " " << c.a << " " << c.b << " keep " << keep;
     }
   }
