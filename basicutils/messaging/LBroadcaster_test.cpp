@@ -207,7 +207,9 @@ TEST(LBroadcaster, DyingBroadcasterAnnouncesItselfUnlessStopped) {
             if (stopped) bc.StopBroadcasting();
         }
         EXPECT_EQ(log, stopped ? Log{} : Log{"l:202"});
-        if (!stopped) EXPECT_EQ(l.lastParam, base);
+        if (!stopped) {
+            EXPECT_EQ(l.lastParam, base);
+        }
         EXPECT_EQ(l.BroadcasterCount(), 0u);  // unlinked either way
     }
 }

@@ -109,7 +109,7 @@ TEST(CTimecode, FrameRateIsClampedToItsRange) {
     const struct {
         double input, stored;
     } cases[] = {{10.0, 24.0}, {2000.0, 1200.0}, {24.0, 24.0}, {29.97, 29.97},
-                 {-1.0, 24.0}, {NAN, 24.0},      {1200.0, 1200.0}};
+                 {-1.0, 24.0}, {std::nan(""), 24.0},      {1200.0, 1200.0}};
     for (const auto& c : cases) {
         CTimecode tc;
         tc.SetFrameRate(c.input);
@@ -330,7 +330,8 @@ TEST(CTimecode, PackedFormRoundTrips) {
     EXPECT_EQ(unpacked.GetTotalFrame(), odd.GetTotalFrame());
 
     // Nonsense packed values are clamped, never undefined.
-    for (double bad : {-1.0, NAN, INFINITY, -INFINITY, 1e300}) {
+    const double kBad[] = {-1.0, std::nan(""), HUGE_VAL, -HUGE_VAL, 1e300};
+    for (double bad : kBad) {
         CTimecode tc(bad);
         EXPECT_GE(tc.GetFrameRate(), 24.0);
         EXPECT_LE(tc.GetFrameRate(), 1200.0);
