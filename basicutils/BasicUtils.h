@@ -34,6 +34,7 @@
 #include <basicutils/containers/LComparator.h>
 #include <basicutils/containers/LList.h>
 #include <basicutils/containers/UMemUtils.h>
+#include <basicutils/containers/MemoryBlocks.h>
 #include <basicutils/containers/CVoidList.h>
 // messaging
 #include <basicutils/messaging/LBroadcaster.h>
