@@ -83,9 +83,13 @@ std::string Decimal(uint64_t value) {
 }
 
 std::string Hex(uint64_t value, int digits) {
-    char text[24];
-    std::snprintf(text, sizeof text, "0x%0*llx", digits, static_cast<unsigned long long>(value));
-    return text;
+    static const char kDigits[] = "0123456789abcdef";
+    std::string text;
+    for (int shift = 60; shift >= 0; shift -= 4) {
+        unsigned nibble = static_cast<unsigned>(value >> shift) & 0xF;
+        if (nibble != 0 || !text.empty() || shift < 4 * digits) text += kDigits[nibble];
+    }
+    return "0x" + text;
 }
 
 // A non-negative decimal number.
