@@ -1,0 +1,80 @@
+// Idle processes run once in arrival order and empty the list; the task base
+// shares its flags.
+#include <basicutils/tasks/CIdleProcess.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace basicutils {
+namespace {
+
+std::string gRan;
+
+class Step : public CIdleProcess {
+public:
+    Step(char name, int spawn = 0) : mName(name), mSpawn(spawn) {}
+    void ExecuteSelf() override {
+        gRan += mName;
+        if (mSpawn) new Step(static_cast<char>(mName + 1), mSpawn - 1);
+    }
+    ~Step() override { gRan += '~'; }
+
+private:
+    char mName;
+    int mSpawn;
+};
+
+TEST(CIdleProcesses, RunOnceInOrderIncludingThoseMadeWhileRunning) {
+    gRan.clear();
+    new Step('a');
+    new Step('b', 2);  // makes c, which makes d
+    new Step('x');
+    EXPECT_EQ(gIdleProcesses.GetCount(), 3);
+    gIdleProcesses.ExecuteAll();
+    EXPECT_EQ(gRan, "a~b~x~c~d~");
+    EXPECT_EQ(gIdleProcesses.GetCount(), 0);
+    gIdleProcesses.ExecuteAll();
+    EXPECT_EQ(gRan, "a~b~x~c~d~");
+}
+
+TEST(CIdleProcesses, DeletedBeforeRunningNeverRuns) {
+    gRan.clear();
+    auto* dropped = new Step('q');
+    new Step('r');
+    delete dropped;
+    gIdleProcesses.ExecuteAll();
+    EXPECT_EQ(gRan, "~r~");
+}
+
+TEST(CIdleProcesses, DestroyingTheListDeletesWithoutRunning) {
+    gRan.clear();
+    {
+        CIdleProcesses local;
+        auto* p = new Step('z');
+        gIdleProcesses.RemoveProcess(p);
+        local.AddProcess(p);
+        // The process's destructor removes it from gIdleProcesses, where it
+        // no longer is; the local list empties itself by iteration.
+    }
+    EXPECT_EQ(gRan, "~");
+}
+
+TEST(MVelmorantTaskBase, FlagsAreSharedByPointer) {
+    MVelmorantTaskBase base;
+    EXPECT_FALSE(base.IsStop());
+    bool stop = false, canKill = true;
+    base.SetStopFlagPtr(&stop);
+    base.SetCanKillPtr(&canKill);
+    MVelmorantTaskBase copy(base);
+    stop = true;
+    EXPECT_TRUE(base.IsStop());
+    EXPECT_TRUE(copy.IsStop());
+    stop = false;
+    EXPECT_FALSE(copy.IsStop());
+    EXPECT_EQ(copy.GetCanKillPtr(), &canKill);
+    EXPECT_EQ(copy.GetStopFlagPtr(), &stop);
+}
+
+}  // namespace
+}  // namespace basicutils

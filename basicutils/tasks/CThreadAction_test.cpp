@@ -1,0 +1,208 @@
+// The single-run rule, the task lists and the dispatcher's messages.
+#include <basicutils/tasks/CThreadAction.h>
+
+#include <gtest/gtest.h>
+
+#include <poll.h>
+
+#include <algorithm>
+#include <thread>
+
+#include <basicutils/tasks/TaskTesting_test.h>
+
+namespace basicutils {
+namespace {
+
+using namespace testing_support;
+using Steps = std::vector<std::string>;
+
+class Scheduler : public ::testing::Test {
+protected:
+    void SetUp() override {
+        CThreadDispatcher::GetThreadDispatcher();
+        action->AddListener(&mMessages);
+    }
+    void TearDown() override {
+        action->RemoveListener(&mMessages);
+        EXPECT_EQ(action->GetThreadCount(), 0);
+    }
+    // Steps of the log that concern the scheduler, in order.
+    Steps Filtered(std::initializer_list<std::string> kinds) {
+        Steps out;
+        for (auto& e : mLog.Events())
+            for (auto& k : kinds)
+                if (e.what == k) out.push_back(e.what + ":" + e.task);
+        return out;
+    }
+    template <class T>
+    T* Held(const char* name, Gate* gate) {
+        auto* task = new T(&mLog, name);
+        task->mGate = gate;
+        return task;
+    }
+
+    CThreadAction* action = CThreadAction::GetThreadAction();
+    EventLog mLog;
+    MessageLog mMessages{&mLog};
+};
+
+TEST_F(Scheduler, SingleRunTasksOfOneClassRunOneAfterAnotherInLaunchOrder) {
+    Gate g1, g2, g3;
+    auto* t1 = Held<SingleTask>("a1", &g1);
+    auto* t2 = Held<SingleTask>("a2", &g2);
+    auto* t3 = Held<SingleTask>("a3", &g3);
+    t1->mThreadType = 7;
+    t2->mThreadType = 7;
+    t1->Execute();
+    t2->Execute();
+    t3->Execute();
+    while (!t1->mStartedRunning) std::this_thread::yield();
+    EXPECT_EQ(action->GetThreadCount(), 3);
+    EXPECT_EQ(action->FindRunningThread(t2), t1);
+    EXPECT_EQ(action->FindWaitingThread(t3), t2);
+    EXPECT_EQ(action->FindThread(t1->GetThreadId()), t1);
+    EXPECT_EQ(action->IsThreadTypeRunning(7), 1);
+    EXPECT_EQ(action->IsThreadTypeRunning(8), 0);
+    EXPECT_FALSE(t2->mStartedRunning);
+    g1.Open();
+    ASSERT_TRUE(PumpUntil([&] { return t2->mStartedRunning.load(); }));
+    g2.Open();
+    ASSERT_TRUE(PumpUntil([&] { return t3->mStartedRunning.load(); }));
+    g3.Open();
+    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "a3"); }));
+    EXPECT_EQ(Filtered({"start", "pass", "29001"}),
+              (Steps{"start:a1", "pass:a1>a2", "start:a2", "29001:a1", "pass:a2>a3", "start:a3",
+                     "29001:a2", "pass:a3>null", "29001:a3"}));
+    EXPECT_EQ(Filtered({"run"}), (Steps{"run:a1", "run:a2", "run:a3"}));
+}
+
+TEST_F(Scheduler, ClassesAndOrdinaryTasksDoNotWaitForEachOther) {
+    Gate gate;
+    auto* base = Held<SingleTask>("base", &gate);
+    auto* derived = Held<DerivedSingleTask>("derived", &gate);
+    auto* plain1 = new LoggedTask(&mLog, "plain1", true);
+    auto* plain2 = new LoggedTask(&mLog, "plain2", true);
+    plain1->mGate = plain2->mGate = &gate;
+    plain2->mVisible = false;
+    for (LoggedTask* t : std::initializer_list<LoggedTask*>{plain1, plain2, base, derived})
+        t->Execute();
+    ASSERT_TRUE(PumpUntil([&] {
+        return base->mStartedRunning && derived->mStartedRunning && plain1->mStartedRunning &&
+               plain2->mStartedRunning;
+    })) << "all four run at once";
+    EXPECT_EQ(action->GetThreadCount(), 4);
+    EXPECT_EQ(action->GetVisibleCount(), 3);
+    EXPECT_EQ(action->GetThread(1), plain1);
+    EXPECT_EQ(action->GetThread(5), nullptr);
+    EXPECT_EQ(action->GetThread(0), nullptr);
+    EXPECT_EQ(action->FindRunningThread(plain1), nullptr) << "ordinary tasks aren't 'running'";
+    EXPECT_EQ(action->FindThread(plain1->GetThreadId()), nullptr);
+    gate.Open();
+    ASSERT_TRUE(PumpUntil([&] { return action->GetThreadCount() == 0; }));
+    Steps passes = Filtered({"pass"});
+    std::sort(passes.begin(), passes.end());
+    EXPECT_EQ(passes, (Steps{"pass:base>null", "pass:derived>null"}))
+        << "only single-run tasks hear PassInformation, each once";
+}
+
+TEST_F(Scheduler, AbortedWaitingTaskLeavesWithoutDisturbingTheRunningOne) {
+    Gate gate;
+    auto* running = Held<SingleTask>("run", &gate);
+    auto* waiting = Held<SingleTask>("wait", &gate);
+    running->AddListener(&mMessages);
+    waiting->AddListener(&mMessages);
+    running->Execute();
+    waiting->Execute();
+    waiting->Abort();
+    EXPECT_EQ(action->GetThreadCount(), 1);
+    EXPECT_EQ(action->FindWaitingThread(running), nullptr);
+    gate.Open();
+    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "run"); }));
+    EXPECT_EQ(Filtered({"run", "postplay", "58900", "pass", "29001", "deleted"}),
+              (Steps{"58900:wait", "29001:wait", "deleted:wait", "run:run", "postplay:run",
+                     "58900:run", "pass:run>null", "29001:run", "deleted:run"}));
+}
+
+TEST_F(Scheduler, TaskWithoutWorkerIgnoresSingleRun) {
+    Gate gate;
+    auto* running = Held<SingleTask>("held", &gate);
+    running->Execute();
+    auto* inline_task = new SingleTask(&mLog, "inline");
+    inline_task->SetWorkerThread(false);
+    inline_task->Execute();
+    EXPECT_TRUE(mLog.Has("deleted", "inline")) << "it ran inside Execute, not waiting";
+    gate.Open();
+    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "held"); }));
+}
+
+TEST_F(Scheduler, RemovingAnUnlistedTaskStillBroadcasts) {
+    LoggedTask stray(&mLog, "stray", false, false);
+    action->RemoveThread(&stray);
+    EXPECT_EQ(mLog.Steps(), (Steps{"29001:stray"}));
+}
+
+TEST(Dispatcher, OneWindowUntilDeletedAndMessagesToIt) {
+    CThreadDispatcher* d = CThreadDispatcher::GetThreadDispatcher();
+    EXPECT_EQ(CThreadDispatcher::GetThreadDispatcher(), d);
+    EXPECT_EQ(std::u16string(d->GetTitle()), u"Tasks");
+    EXPECT_EQ(d->GetStyle(), WS_OVERLAPPEDWINDOW);
+    EXPECT_EQ(d->GetExStyle(), WS_EX_TOOLWINDOW);
+    EXPECT_TRUE(d->IsKindOf(RUNTIME_CLASS(CFrameWnd)));
+
+    struct Once : LListener {
+        std::vector<int32_t> got;
+        bool ListenToMessage(int32_t m, void*) override {
+            got.push_back(m);
+            return true;
+        }
+    } listener;
+    SBroadcastRequest request{&listener, 4711, nullptr};
+    SBroadcastRequest empty{nullptr, 4712, nullptr};
+    EXPECT_TRUE(d->PostMessage(kWmBroadcastMessage, 0, reinterpret_cast<LPARAM>(&request)));
+    EXPECT_TRUE(d->PostMessage(kWmBroadcastMessage, 0, reinterpret_cast<LPARAM>(&empty)));
+    EXPECT_TRUE(d->PostMessage(kWmBroadcastMessage, 0, 0));
+    EventLog log;
+    auto* task = new LoggedTask(&log, "posted", false, false);
+    EXPECT_TRUE(d->PostMessage(kWmThreadStarted, 0, reinterpret_cast<LPARAM>(task)));
+    EXPECT_EQ(PumpMessages(0), 4);
+    EXPECT_EQ(listener.got, (std::vector<int32_t>{4711}));
+    EXPECT_EQ(CThreadAction::GetThreadAction()->GetThread(1), task) << "1313 lists the task";
+    CThreadAction::GetThreadAction()->RemoveThread(task);
+    delete task;
+
+    CThreadDispatcher::DeleteAll();
+    EXPECT_EQ(CThreadDispatcher::sThreadDispatcher.load(), nullptr);
+    CThreadDispatcher::DeleteAll();
+    EXPECT_NE(CThreadDispatcher::GetThreadDispatcher(), nullptr);
+}
+
+// No task end is lost when the dispatcher goes: an end queued at its death
+// is handled at once on its thread, one that finds no dispatcher waits for
+// the next one.
+TEST(Dispatcher, TaskEndsSurviveTheDispatcher) {
+    EventLog log;
+    CThreadDispatcher::GetThreadDispatcher();
+    auto* queued = new LoggedTask(&log, "queued", true);
+    queued->Execute();
+    ASSERT_TRUE(PumpUntil([&] { return log.Has("run", "queued"); }));
+    // Its end is posted by the worker; wait until it waits in the queue.
+    ASSERT_TRUE(PumpUntil([&] {
+        pollfd p{GetMessageQueueFd(), POLLIN, 0};
+        return log.Has("deleted", "queued") || ::poll(&p, 1, 0) == 1;
+    }));
+    CThreadDispatcher::DeleteAll();
+    EXPECT_TRUE(log.Has("deleted", "queued"));
+
+    auto* parked = new LoggedTask(&log, "parked", true);
+    parked->Execute();
+    ASSERT_TRUE(PumpUntil([&] { return log.Has("run", "parked"); }));
+    for (int i = 0; i < 20; ++i) PumpMessages(2);
+    EXPECT_FALSE(log.Has("postplay", "parked")) << "no dispatcher: the end waits";
+    EXPECT_EQ(CThreadAction::GetThreadAction()->GetThreadCount(), 1);
+    CThreadDispatcher::GetThreadDispatcher();
+    ASSERT_TRUE(PumpUntil([&] { return log.Has("deleted", "parked"); }));
+    EXPECT_EQ(log.ThreadOf("postplay", "parked"), GetCurrentThreadId());
+}
+
+}  // namespace
+}  // namespace basicutils

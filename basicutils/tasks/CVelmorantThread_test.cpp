@@ -1,0 +1,227 @@
+// The life of a task: which steps run, in which order, on which thread.
+#include <basicutils/tasks/CVelmorantThread.h>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include <basicutils/messaging/CMessageAction.h>
+#include <basicutils/tasks/TaskTesting_test.h>
+
+namespace basicutils {
+namespace {
+
+using namespace testing_support;
+using Steps = std::vector<std::string>;
+
+class TaskLife : public ::testing::Test {
+protected:
+    void SetUp() override { CThreadDispatcher::GetThreadDispatcher(); }
+    void TearDown() override { EXPECT_EQ(CThreadAction::GetThreadAction()->GetThreadCount(), 0); }
+
+    // Listens to the scheduler and to the task's own messages.
+    LoggedTask* Watch(LoggedTask* task) {
+        task->AddListener(&mTaskMessages);
+        return task;
+    }
+    void ListenToScheduler() { CThreadAction::GetThreadAction()->AddListener(&mSchedulerMessages); }
+    void StopListening() { CThreadAction::GetThreadAction()->RemoveListener(&mSchedulerMessages); }
+
+    EventLog mLog;
+    MessageLog mTaskMessages{&mLog};
+    MessageLog mSchedulerMessages{&mLog};
+};
+
+TEST_F(TaskLife, WithoutWorkerEverythingHappensInsideExecute) {
+    ListenToScheduler();
+    auto* task = Watch(new LoggedTask(&mLog, "t", false));
+    EXPECT_FALSE(task->CanKill());
+    task->Pause();
+    EXPECT_FALSE(task->IsPaused()) << "no thread: nothing to pause";
+    EXPECT_TRUE(task->Execute());
+    StopListening();
+    EXPECT_EQ(mLog.Steps(), (Steps{"preplay:t", "29000:t", "run:t", "postplay:t", "58900:t",
+                                   "29001:t", "deleted:t", "29002:?"}));
+    for (auto& e : mLog.Events()) EXPECT_EQ(e.thread, GetCurrentThreadId()) << e.what;
+}
+
+TEST_F(TaskLife, RefusedByPrePlayIsDeletedUnlisted) {
+    ListenToScheduler();
+    for (bool autoDelete : {true, false}) {
+        auto* task = Watch(new LoggedTask(&mLog, "r", true, autoDelete));
+        task->mAccept = false;
+        EXPECT_FALSE(task->Execute());
+    }
+    StopListening();
+    EXPECT_EQ(mLog.Steps(), (Steps{"preplay:r", "deleted:r", "29002:?", "preplay:r", "deleted:r",
+                                   "29002:?"}));
+}
+
+TEST_F(TaskLife, SelfDeletingWorkerCleansUpOnTheMainThread) {
+    auto* task = Watch(new LoggedTask(&mLog, "w", true));
+    Gate gate;
+    task->mGate = &gate;
+    ASSERT_TRUE(task->Execute());
+    while (!task->mStartedRunning) std::this_thread::yield();
+    EXPECT_TRUE(task->CanKill());
+    const DWORD worker = task->GetThreadId();
+    EXPECT_NE(worker, GetCurrentThreadId());
+    gate.Open();
+    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "w"); }));
+    EXPECT_EQ(mLog.ThreadOf("run", "w"), worker);
+    for (const char* step : {"postplay", "58900", "deleted"})
+        EXPECT_EQ(mLog.ThreadOf(step, "w"), GetCurrentThreadId()) << step;
+    EXPECT_FALSE(mLog.Has("58901", "w"));
+}
+
+TEST_F(TaskLife, WorkerWithoutAutoDeleteCleansUpOnTheWorker) {
+    auto* task = Watch(new LoggedTask(&mLog, "k", true, false));
+    ASSERT_TRUE(task->Execute());
+    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("58901", "k"); }));
+    const DWORD worker = mLog.ThreadOf("run", "k");
+    EXPECT_NE(worker, GetCurrentThreadId());
+    for (const char* step : {"postplay", "58900", "58901"})
+        EXPECT_EQ(mLog.ThreadOf(step, "k"), worker) << step;
+    EXPECT_EQ(mLog.Steps(), (Steps{"preplay:k", "run:k", "postplay:k", "58900:k", "58901:k"}));
+    EXPECT_FALSE(task->CanKill());
+    delete task;
+}
+
+TEST_F(TaskLife, ShouldStartFalseEndsWithoutThreadButWithPostPlay) {
+    auto* task = Watch(new LoggedTask(&mLog, "s", true));
+    task->mShouldStart = false;
+    ASSERT_TRUE(task->Execute());
+    EXPECT_EQ(mLog.Steps(), (Steps{"preplay:s", "postplay:s", "58900:s", "deleted:s", "29002:?"}));
+}
+
+TEST_F(TaskLife, AbortOfRunningTaskOnlyClearsShouldStart) {
+    auto* task = Watch(new LoggedTask(&mLog, "a", true));
+    Gate gate;
+    task->mGate = &gate;
+    task->Execute();
+    while (!task->mStartedRunning) std::this_thread::yield();
+    task->Abort();
+    EXPECT_FALSE(task->ShouldStart());
+    EXPECT_EQ(CThreadAction::GetThreadAction()->GetThreadCount(), 1);
+    gate.Open();
+    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "a"); }));
+    EXPECT_TRUE(mLog.Has("postplay", "a")) << "it ran on to its normal end";
+}
+
+TEST_F(TaskLife, ThreadThatCannotBeCreatedEndsTheTaskAndSaysSo) {
+    struct ErrorLog : LListener {
+        std::vector<int32_t> numbers;
+        bool ListenToMessage(int32_t message, void*) override {
+            numbers.push_back(message);
+            return true;
+        }
+    } errors;
+    CMessageAction::GetMessageAction()->AddListener(&errors);
+    detail::FailThreadCreations(1);
+    auto* first = Watch(new SingleTask(&mLog, "f1"));
+    auto* second = Watch(new SingleTask(&mLog, "f2"));
+    first->Execute();
+    second->Execute();
+    CMessageAction::GetMessageAction()->RemoveListener(&errors);
+    EXPECT_EQ(errors.numbers, (std::vector<int32_t>{26000}));
+    EXPECT_FALSE(mLog.Has("run", "f1"));
+    EXPECT_TRUE(mLog.Has("postplay", "f1"));
+    EXPECT_TRUE(mLog.Has("deleted", "f1"));
+    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "f2"); }));
+    EXPECT_TRUE(mLog.Has("run", "f2")) << "the next task of the class was not held up";
+}
+
+class Killable : public LoggedTask {
+public:
+    using LoggedTask::LoggedTask;
+    int kills = 0;
+    bool answer = false;
+    bool KillSelf() override {
+        ++kills;
+        return answer;
+    }
+};
+
+TEST_F(TaskLife, KillAsksUntilAcceptedAndOnlyWhenAllowed) {
+    Killable task(&mLog, "k", false, false);
+    task.mCanKill = false;
+    task.Kill();
+    EXPECT_EQ(task.kills, 0);
+    task.mCanKill = true;
+    task.Kill();
+    EXPECT_EQ(task.kills, 1);
+    EXPECT_FALSE(task.IsCanceled());
+    task.answer = true;
+    task.Kill();
+    task.Kill();
+    EXPECT_EQ(task.kills, 2) << "a canceled task isn't asked again";
+    EXPECT_TRUE(task.IsCanceled());
+}
+
+// Spins without looking at any flag: only real suspension stops it.
+class Spinner : public LoggedTask {
+public:
+    using LoggedTask::LoggedTask;
+    std::atomic<bool> stop{false};
+    void RunSelf() override {
+        mStartedRunning = true;
+        while (!stop) {
+            SetPos(GetPos() + 1);
+            std::this_thread::yield();
+        }
+    }
+};
+
+TEST_F(TaskLife, PauseSuspendsTheWorkerAndContinueResumesIt) {
+    auto* task = new Spinner(&mLog, "p", true);
+    task->SetRange(1LL << 40);
+    task->Execute();
+    while (task->GetPos() < 100) std::this_thread::yield();
+    task->Pause();
+    EXPECT_TRUE(task->IsPaused());
+    const int64_t frozen = task->GetPos();
+    for (int i = 0; i < 5000; ++i) std::this_thread::yield();
+    EXPECT_EQ(task->GetPos(), frozen);
+    task->Continue();
+    EXPECT_FALSE(task->IsPaused());
+    while (task->GetPos() < frozen + 100) std::this_thread::yield();
+    task->stop = true;
+    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "p"); }));
+}
+
+TEST_F(TaskLife, ProgressScaleDescriptionAndThreadId) {
+    struct Case {
+        int64_t range, pos;
+        int expected;
+    } cases[] = {{0, 50, 0}, {2048, 1024, 512}, {2048, 2048, 1024}, {100, 150, 1536},
+                 {3, 1, 341}, {1LL << 40, 1LL << 39, 512}};
+    LoggedTask task(&mLog, "d", false, false);
+    for (const Case& c : cases) {
+        task.SetRange(c.range);
+        task.SetPos(c.pos);
+        EXPECT_EQ(task.GetStatusPosition(), c.expected) << c.range << " " << c.pos;
+    }
+    EXPECT_EQ(std::u16string(task.GetDescription()),
+              u"basicutils::testing_support::LoggedTask");
+    task.SetStatus(u"reading");
+    EXPECT_EQ(std::u16string(task.CopyStatus()), u"reading");
+    struct Plain : CVelmorantThread {
+        Plain() : CVelmorantThread(false) {}
+    } source;
+    source.SetRange(2048);
+    source.SetPos(1024);
+    source.SetStatus(u"reading");
+    source.SetWorkerThread(true);
+    Plain copy(source);
+    EXPECT_EQ(copy.GetStatusPosition(), 512) << "a copy takes every field";
+    EXPECT_EQ(std::u16string(copy.GetStatus()), u"reading");
+    EXPECT_TRUE(copy.IsWorkerThread());
+
+    DWORD other = 0;
+    std::thread([&] { other = task.GetThreadId(); }).join();
+    EXPECT_EQ(task.GetThreadId(), GetCurrentThreadId());
+    EXPECT_NE(other, GetCurrentThreadId()) << "without worker, the caller's ID";
+}
+
+}  // namespace
+}  // namespace basicutils

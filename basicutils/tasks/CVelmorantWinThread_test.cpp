@@ -1,0 +1,103 @@
+// Threads with a loop that quit on 1219; scoped locks.
+#include <basicutils/tasks/CVelmorantWinThread.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include <basicutils/tasks/StGlobalLock.h>
+
+namespace basicutils {
+namespace {
+
+class Recording : public CVelmorantWinThread {
+    DECLARE_DYNCREATE(Recording)
+public:
+    static std::mutex sLock;
+    static std::vector<UINT> sSeen;
+    static std::atomic<int> sQuits;
+    BOOL OnThreadMessage(const MSG& message) override {
+        {
+            std::lock_guard<std::mutex> g(sLock);
+            sSeen.push_back(message.message);
+        }
+        return CVelmorantWinThread::OnThreadMessage(message);
+    }
+    void OnQuit(UINT wParam, LPARAM lParam) override {
+        sQuits.fetch_add(1);
+        CVelmorantWinThread::OnQuit(wParam, lParam);
+    }
+    using CVelmorantWinThread::mQuitting;
+
+protected:
+    Recording() = default;
+};
+std::mutex Recording::sLock;
+std::vector<UINT> Recording::sSeen;
+std::atomic<int> Recording::sQuits{0};
+IMPLEMENT_DYNCREATE(Recording, CVelmorantWinThread)
+
+TEST(CVelmorantWinThread, MessagesBeforeQuitAreHandledAndNoneAfter) {
+    auto* thread = static_cast<Recording*>(
+        AfxBeginThread(RUNTIME_CLASS(Recording), THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED));
+    ASSERT_NE(thread, nullptr);
+    thread->m_bAutoDelete = 0;
+    EXPECT_FALSE(thread->OnIdle(0)) << "no idle time wanted";
+    thread->SelfMessage(WM_USER + 1, 0, 0);
+    thread->SelfMessage(WM_USER + 2, 0, 0);
+    thread->Quit();
+    thread->SelfMessage(WM_USER + 3, 0, 0);  // dropped: quitting
+    thread->Quit();                           // a second 1219
+    thread->ResumeThread();
+    ASSERT_EQ(WaitForSingleObject(thread->m_hThread, INFINITE), WAIT_OBJECT_0);
+    std::lock_guard<std::mutex> g(Recording::sLock);
+    EXPECT_EQ(Recording::sSeen,
+              (std::vector<UINT>{WM_USER + 1, WM_USER + 2, kWmVelmorantQuit, kWmVelmorantQuit}));
+    EXPECT_EQ(Recording::sQuits.load(), 2);
+    delete thread;
+}
+
+TEST(CVelmorantWinThread, LauncherStartsAThreadOfTheClass) {
+    CVelmorantUIThread launcher;
+    CWinThread* thread = launcher.BeginThread(RUNTIME_CLASS(CVelmorantWinThread));
+    ASSERT_NE(thread, nullptr);
+    EXPECT_TRUE(thread->IsKindOf(RUNTIME_CLASS(CVelmorantWinThread)));
+    // The thread deletes itself when it ends; ask it to end by message.
+    EXPECT_TRUE(PostThreadMessageW(thread->m_nThreadID, kWmVelmorantQuit, 0, 0));
+    EXPECT_EQ(launcher.BeginThread(RUNTIME_CLASS(CObject)), nullptr) << "not a thread class";
+}
+
+TEST(ScopedLocks, NestOnOneThreadAndExcludeOthers) {
+    CCriticalSection section;
+    std::atomic<BOOL> other{1};
+    {
+        StSingleLock a(&section);
+        StSingleLock b(&section);
+        std::thread([&] { other = section.Lock(0); }).join();
+        EXPECT_FALSE(other);
+    }
+    std::thread([&] {
+        other = section.Lock(0);
+        if (other) section.Unlock();
+    }).join();
+    EXPECT_TRUE(other) << "two destructors leave the section free";
+
+    int64_t counter = 0;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 5000; ++i) {
+                StGlobalLock outer;
+                StGlobalLock inner;
+                ++counter;
+            }
+        });
+    for (auto& t : threads) t.join();
+    EXPECT_EQ(counter, 20000);
+}
+
+}  // namespace
+}  // namespace basicutils

@@ -1,0 +1,170 @@
+// Several hundred tasks of single-run and ordinary classes, launched from the
+// main thread and from other threads, with aborts, kills and listeners that
+// come and go during the scheduler's broadcasts. Every task must run at most
+// once (exactly once unless aborted), single-run classes one at a time and in
+// launch order per launcher, and every task must end and be deleted.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <map>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+#include <basicutils/tasks/TaskTesting_test.h>
+
+namespace basicutils {
+namespace {
+
+using namespace testing_support;
+
+struct Ledger {
+    std::mutex lock;
+    std::map<int, int> runs;                          // task id -> RunSelf count
+    std::map<std::pair<int, int>, std::vector<int>> order;  // (class, launcher) -> ids run
+    std::atomic<int> deleted{0};
+    std::atomic<int> concurrent[3] = {};
+    std::atomic<int> worstConcurrency{0};
+};
+
+class StressTask : public CVelmorantThread {
+public:
+    StressTask(Ledger* ledger, int id, int kind, int launcher)
+        : mLedger(ledger), mId(id), mKind(kind), mLauncher(launcher) {
+        SetWorkerThread(true);
+        mSingleRun = kind != 2;
+    }
+    ~StressTask() override { mLedger->deleted.fetch_add(1); }
+    void RunSelf() override {
+        int now = mLedger->concurrent[mKind].fetch_add(1) + 1;
+        if (mSingleRun) {
+            int worst = mLedger->worstConcurrency.load();
+            while (now > worst && !mLedger->worstConcurrency.compare_exchange_weak(worst, now)) {
+            }
+        }
+        {
+            std::lock_guard<std::mutex> g(mLedger->lock);
+            ++mLedger->runs[mId];
+            mLedger->order[{mKind, mLauncher}].push_back(mId);
+        }
+        if (mHold) {
+            while (!mKilled) std::this_thread::yield();
+        }
+        for (int i = 0; i < 50; ++i) SetPos(i);
+        mLedger->concurrent[mKind].fetch_sub(1);
+    }
+    bool KillSelf() override {
+        mKilled = true;
+        return true;
+    }
+    bool mHold = false;
+    std::atomic<bool> mKilled{false};
+
+protected:
+    Ledger* mLedger;
+    int mId, mKind, mLauncher;
+};
+
+// Distinct most derived classes: two single-run kinds and an ordinary one.
+class KindA : public StressTask {
+public:
+    using StressTask::StressTask;
+};
+class KindB : public StressTask {
+public:
+    using StressTask::StressTask;
+};
+class KindPlain : public StressTask {
+public:
+    using StressTask::StressTask;
+};
+
+StressTask* Make(Ledger* ledger, int id, int kind, int launcher) {
+    switch (kind) {
+        case 0:
+            return new KindA(ledger, id, kind, launcher);
+        case 1:
+            return new KindB(ledger, id, kind, launcher);
+        default:
+            return new KindPlain(ledger, id, kind, launcher);
+    }
+}
+
+// Swaps itself for its partner during the broadcasts it hears.
+class Juggler : public LListener {
+public:
+    Juggler* partner = nullptr;
+    std::atomic<int> heard{0};
+    bool ListenToMessage(int32_t message, void*) override {
+        if (message != kMsgThreadAdded && message != kMsgThreadRemoved) return false;
+        if (heard.fetch_add(1) % 7 == 0) {
+            CThreadAction::GetThreadAction()->RemoveListener(this);
+            CThreadAction::GetThreadAction()->AddListener(partner);
+        }
+        return true;
+    }
+};
+
+TEST(TaskStress, HundredsOfTasksEachRunOnceInOrderAndEnd) {
+    CThreadDispatcher::GetThreadDispatcher();
+    CThreadAction* action = CThreadAction::GetThreadAction();
+    Juggler j1, j2;
+    j1.partner = &j2;
+    j2.partner = &j1;
+    action->AddListener(&j1);
+
+    Ledger ledger;
+    constexpr int kLaunchers = 3, kPerLauncher = 120;
+    std::atomic<int> nextId{0};
+    auto launch = [&](int launcher) {
+        for (int i = 0; i < kPerLauncher; ++i) Make(&ledger, nextId++, i % 3, launcher)->Execute();
+    };
+
+    // Aborts: a held task of kind A keeps the rest of its class waiting,
+    // so their pointers stay valid until we abort them.
+    auto* holder = static_cast<StressTask*>(Make(&ledger, nextId++, 0, 99));
+    holder->mHold = true;
+    holder->Execute();
+    std::vector<StressTask*> doomed;
+    for (int i = 0; i < 20; ++i) {
+        doomed.push_back(Make(&ledger, nextId++, 0, 98));
+        doomed.back()->Execute();
+    }
+    // Kills: ordinary tasks that run until killed.
+    std::vector<StressTask*> killable;
+    for (int i = 0; i < 10; ++i) {
+        killable.push_back(Make(&ledger, nextId++, 2, 97));
+        killable.back()->mHold = true;
+        killable.back()->Execute();
+    }
+
+    std::vector<std::thread> launchers;
+    for (int l = 1; l < kLaunchers; ++l) launchers.emplace_back(launch, l);
+    launch(0);
+    for (auto* t : doomed) t->Abort();
+    for (auto* t : killable) t->Kill();
+    holder->Kill();
+    for (auto& t : launchers) t.join();
+
+    const int total = nextId.load();
+    ASSERT_TRUE(PumpUntil([&] { return ledger.deleted.load() == total; }))
+        << ledger.deleted.load() << " of " << total << " ended";
+    action->RemoveListener(&j1);
+    action->RemoveListener(&j2);
+
+    EXPECT_EQ(action->GetThreadCount(), 0);
+    EXPECT_EQ(ledger.worstConcurrency.load(), 1) << "two single-run tasks of a class at once";
+    std::lock_guard<std::mutex> g(ledger.lock);
+    EXPECT_EQ(ledger.runs.size(), size_t(total - 20)) << "aborted tasks never run";
+    for (auto& [id, count] : ledger.runs) EXPECT_EQ(count, 1) << "task " << id;
+    for (auto& [key, ids] : ledger.order) {
+        if (key.first == 2) continue;
+        EXPECT_TRUE(std::is_sorted(ids.begin(), ids.end()))
+            << "class " << key.first << " launcher " << key.second;
+    }
+    EXPECT_GT(j1.heard + j2.heard, 0);
+}
+
+}  // namespace
+}  // namespace basicutils

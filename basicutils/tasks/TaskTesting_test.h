@@ -1,0 +1,156 @@
+// Shared pieces of the task tests: an event log, a task that records each
+// step with its thread, a gate to hold a task in RunSelf, and a pump loop.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include <basicutils/platform/MessageQueue.h>
+#include <basicutils/platform/Threads.h>
+#include <basicutils/tasks/CThreadAction.h>
+#include <basicutils/tasks/CVelmorantThread.h>
+
+namespace basicutils::testing_support {
+
+struct Event {
+    std::string what;
+    std::string task;
+    DWORD thread;
+};
+
+class EventLog {
+public:
+    void Add(const std::string& what, const std::string& task) {
+        std::lock_guard<std::mutex> g(mLock);
+        mEvents.push_back({what, task, GetCurrentThreadId()});
+    }
+    std::vector<Event> Events() {
+        std::lock_guard<std::mutex> g(mLock);
+        return mEvents;
+    }
+    // "what:task" of each event, in order.
+    std::vector<std::string> Steps() {
+        std::vector<std::string> out;
+        for (auto& e : Events()) out.push_back(e.what + ":" + e.task);
+        return out;
+    }
+    bool Has(const std::string& what, const std::string& task) {
+        for (auto& e : Events())
+            if (e.what == what && e.task == task) return true;
+        return false;
+    }
+    DWORD ThreadOf(const std::string& what, const std::string& task) {
+        for (auto& e : Events())
+            if (e.what == what && e.task == task) return e.thread;
+        return 0;
+    }
+
+private:
+    std::mutex mLock;
+    std::vector<Event> mEvents;
+};
+
+// Holds RunSelf until opened.
+class Gate {
+public:
+    void Open() {
+        std::lock_guard<std::mutex> g(mLock);
+        mOpen = true;
+        mCv.notify_all();
+    }
+    void Wait() {
+        std::unique_lock<std::mutex> l(mLock);
+        mCv.wait(l, [&] { return mOpen; });
+    }
+
+private:
+    std::mutex mLock;
+    std::condition_variable mCv;
+    bool mOpen = false;
+};
+
+class LoggedTask : public CVelmorantThread {
+public:
+    LoggedTask(EventLog* log, std::string name, bool worker, bool autoDelete = true)
+        : CVelmorantThread(autoDelete), mLog(log), mName(std::move(name)) {
+        SetWorkerThread(worker);
+    }
+    ~LoggedTask() override { mLog->Add("deleted", mName); }
+
+    bool PrePlay() override {
+        mLog->Add("preplay", mName);
+        return mAccept;
+    }
+    void RunSelf() override {
+        mLog->Add("run", mName);
+        mStartedRunning = true;
+        if (mGate) mGate->Wait();
+    }
+    void Start() override {
+        mLog->Add("start", mName);
+        CVelmorantThread::Start();
+    }
+    void PostPlay() override { mLog->Add("postplay", mName); }
+    void PassInformation(CVelmorantThread* next) override {
+        auto* n = dynamic_cast<LoggedTask*>(next);
+        mLog->Add("pass", mName + ">" + (n ? n->mName : std::string("null")));
+    }
+    bool mAccept = true;
+    Gate* mGate = nullptr;
+    std::atomic<bool> mStartedRunning{false};
+    EventLog* mLog;
+    std::string mName;
+    using CVelmorantThread::mCanKill;
+    using CVelmorantThread::mShouldStart;
+    using CVelmorantThread::mSingleRun;
+    using CVelmorantThread::mThreadType;
+    using CVelmorantThread::mVisible;
+};
+
+class SingleTask : public LoggedTask {
+public:
+    SingleTask(EventLog* log, std::string name) : LoggedTask(log, std::move(name), true) {
+        mSingleRun = true;
+    }
+};
+
+// A subclass is a class of its own for the single-run rule.
+class DerivedSingleTask : public SingleTask {
+public:
+    using SingleTask::SingleTask;
+};
+
+// Records what a broadcaster sends, with the task's name.
+class MessageLog : public LListener {
+public:
+    explicit MessageLog(EventLog* log) : mLog(log) {}
+    bool ListenToMessage(int32_t message, void* param) override {
+        if (message == kMsgBroadcasterDied) return false;
+        auto* task = dynamic_cast<LoggedTask*>(static_cast<CVelmorantThread*>(param));
+        mLog->Add(std::to_string(message), task ? task->mName : std::string("?"));
+        return true;
+    }
+
+private:
+    EventLog* mLog;
+};
+
+// Pumps the main thread's queue until `done` holds; fails after a generous
+// limit instead of hanging.
+inline bool PumpUntil(const std::function<bool()>& done) {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (!done()) {
+        if (std::chrono::steady_clock::now() > limit) return false;
+        PumpMessages(5);
+    }
+    return true;
+}
+
+}  // namespace basicutils::testing_support
