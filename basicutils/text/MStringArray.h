@@ -40,8 +40,8 @@ public:
     void InsertBefore(int i, const char16_t* s);
     void InsertAfter(int i, const char16_t* s);
     void Swap(int i, int j);
-    // Takes the string at `from` out and puts it in at `to`; those between
-    // move one place toward `from`.
+    // Moves the string at index `from` to index `to`, shifting the strings
+    // in between by one toward `from`.
     void Change(int to, int from);
     void DeleteAt(int i);
     void SortByName() {}

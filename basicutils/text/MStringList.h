@@ -1,9 +1,9 @@
 // MStringList: a list of strings that it owns, over a CVoidList, counted
 // from 0 in its index arguments.
 //
-// The list has one cursor, the current node of its CVoidList. Reading moves
-// it, even through the const operations, and so does reading a list to copy
-// it (assignment, AddList). GetAt walks from the head on every call and
+// Walking uses the CVoidList's own current node as the only cursor: every
+// read shifts it, const operations included, as does copying from a list
+// (assignment, AddList). GetAt walks from the head on every call and
 // leaves the cursor on the string it returns; a negative index walks the
 // whole list and answers null. DeleteAt leaves no current node.
 //

@@ -2,8 +2,8 @@
 // 1 January of year 0 (day 0); its fraction is the part of the day gone by.
 // Year, month and day are kept beside it and follow the whole part after
 // construction, SetDate, + and -. There is no time zone and no link to the
-// platform's own date formats. A CDateTime may also hold a plain difference
-// of two dates; its calendar fields then mean little (a negative difference
+// platform's own date formats. The difference of two values is a CDateTime
+// too, whose year, month and day are then of little use (below zero it
 // reads as year 0, month 1 and a day of 1 or below).
 //
 // Nothing is checked: SetDate(2023, 4, 31) is 1 May, SetTime(25, 0, 0)

@@ -23,8 +23,9 @@ namespace {
 
 constexpr int32_t kFramesPerMinute = 1800;
 
-// The dropping minutes between the minute of `start` and `x`: the minutes
-// since the minute mark less the tenth minutes since the ten-minute mark.
+// The dropping minutes between the minute of `start` and `x`: every whole
+// minute passed since start's minute, minus the multiples of ten passed
+// since start's ten-minute block began.
 int32_t DroppedMinutes(const CTimecode& x, const CTimecode& start) {
     CTimecode s(start);
     s.SetFrameType(kFrameType30);

@@ -1,8 +1,8 @@
 // CTimecodeParser: the written form of a timecode, held as four texts.
 //
 // Parse splits a written timecode into hours, minutes, seconds and frames
-// from the right, so a short text names the smaller units: "12" is twelve
-// frames, "3:12" three seconds and twelve frames. The frame separator is
+// starting at the right end, so short input means the low fields: "12"
+// gives frame 12 only, "3:12" second 3 and frame 12. The frame separator is
 // the last ';' if there is one, else the last ':'; whatever is left after
 // the minutes, separators included, is the hour text. The pieces are kept
 // exactly as written (one digit stays one digit) and are read as numbers
