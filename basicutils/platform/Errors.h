@@ -10,7 +10,7 @@
 // FormatMessageW still knows its text.
 //
 // Only the numbers listed here are produced by the library. An errno without
-// a specific counterpart maps to ERROR_GEN_FAILURE (31).
+// a counterpart of its own maps to ERROR_GEN_FAILURE (31).
 #pragma once
 
 #include <cstdint>
@@ -82,7 +82,7 @@ BASICUTILS_EXPORT uint32_t GetLastError();
 BASICUTILS_EXPORT void SetLastError(uint32_t dwErrCode);
 
 // The Win32 number for an errno value; 0 gives ERROR_SUCCESS, anything
-// without a specific counterpart ERROR_GEN_FAILURE.
+// without a counterpart of its own ERROR_GEN_FAILURE.
 BASICUTILS_EXPORT uint32_t ErrnoToWin32Error(int errnum);
 
 // Translates errno and stores it as the last error; returns the stored number.

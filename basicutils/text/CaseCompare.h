@@ -6,9 +6,9 @@
 // strcasecmp folds each unit with the C library's 8-bit toupper (in the
 // current locale; a unit above 255 is left as it is) and then compares only
 // the low byte of each, as a signed 8-bit number. So byte values from 0x80
-// sort below the ASCII letters, and units that differ only in their high
-// byte count as equal; when both low bytes are 0 the answer is 0, even if
-// a unit such as 0x0100 is not the terminator.
+// sort below the ASCII letters, and two units with the same low byte match
+// whatever their high bytes; when both low bytes are 0 the answer is 0, even
+// if a unit such as 0x0100 is not the terminator.
 //
 // strncasecmp folds the same way but compares the whole unit, unsigned, for
 // at most n units.

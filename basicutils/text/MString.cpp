@@ -120,10 +120,10 @@ void MString::VFormat(const char16_t* format, va_list args) {
             put(*p);
             continue;
         }
-        char16_t spec = *++p;
-        if (!spec) break;  // a lone '%' at the end
+        char16_t conversion = *++p;
+        if (!conversion) break;  // a lone '%' at the end
         char digits[400];  // room for the widest "%f" of a double
-        switch (spec) {
+        switch (conversion) {
             case u'd': {
                 auto r = std::to_chars(digits, digits + sizeof digits, va_arg(args, int));
                 putNarrow(digits, r.ptr);
@@ -148,7 +148,7 @@ void MString::VFormat(const char16_t* format, va_list args) {
                 break;
             }
             default:
-                put(spec);
+                put(conversion);
                 break;
         }
     }

@@ -45,8 +45,8 @@ enum character_set_type : int32_t {
 class BASICUTILS_EXPORT MString {
 public:
     MString();
-    // With n equal to 0 a copy of the zero-terminated text s; otherwise a
-    // block of n + 1 units holding at most n units of s, zero-filled.
+    // n == 0 copies all of s up to its terminator. Any other n makes a block
+    // of n + 1 units that receives up to n units of s, zeros behind them.
     MString(const char16_t* s, int n = 0);
     MString(const MString& other);
     // An empty string in a block of n + 1 units, for the owner to fill
@@ -54,8 +54,8 @@ public:
     explicit MString(unsigned int n);
     virtual ~MString();
 
-    // Assigning the own buffer changes nothing; null gives the empty string.
-    // s must not point into the middle of the own block.
+    // Handing back this string's own buffer is a no-op, and null clears it.
+    // A pointer into the middle of this string's block is not allowed.
     MString& operator=(const char16_t* s);
     MString& operator=(const MString& other);
 
