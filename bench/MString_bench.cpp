@@ -28,7 +28,7 @@ const std::string& Utf8Text() {
     static const std::string text = [] {
         std::string t;
         const char* words[] = {"chapter ", "r\xC3\xA9sum\xC3\xA9 ", "menu_01 ", "caf\xC3\xA9 ",
-                               "title ",   "\xE2\x82\xAC" "12 ", "angle\n"};
+                               "title ",   ("\xE2\x82\xAC" "12 "), "angle\n"};
         for (size_t i = 0; t.size() < kMegabyte; ++i) t += words[i % 7];
         return t;
     }();
