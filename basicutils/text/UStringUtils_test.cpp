@@ -9,29 +9,6 @@
 namespace basicutils {
 namespace {
 
-TEST(UStringUtils, ForwardsToTheWidePrimitives) {
-    char16_t buf[16];
-    EXPECT_EQ(UStringUtils::strlen(UStringUtils::strcpy(buf, u"ab")), 2u);
-    UStringUtils::strcat(buf, u"cd");
-    UStringUtils::strncat(buf, u"efgh", 1);
-    EXPECT_EQ(std::u16string(buf), u"abcde");
-    EXPECT_EQ(UStringUtils::strchr(buf, u'c'), buf + 2);
-    EXPECT_EQ(UStringUtils::strrchr(u"a.b.c", u'.'), static_cast<const char16_t*>(u"a.b.c") + 3);
-    EXPECT_EQ(UStringUtils::strstr(buf, u"de"), buf + 3);
-    EXPECT_EQ(UStringUtils::strcmp(u"a", u"b"), -1);
-    EXPECT_EQ(UStringUtils::strncmp(u"ab", u"ac", 1), 0);
-    EXPECT_EQ(UStringUtils::stricmp(u"aB", u"Ab"), 0);
-    EXPECT_EQ(UStringUtils::strnicmp(u"aBc", u"Abd", 2), 0);
-    EXPECT_EQ(UStringUtils::atoi(u" -12"), -12);
-    EXPECT_EQ(UStringUtils::atof(u"2.5e1"), 25.0);
-    std::fill(std::begin(buf), std::end(buf), u'#');
-    UStringUtils::strncpy(buf, u"xyz", 2);
-    EXPECT_EQ(buf[2], u'#') << "no terminator when the source is longer";
-    char16_t line[] = u"k=v";
-    EXPECT_EQ(std::u16string(UStringUtils::strtok(line, u"=")), u"k");
-    EXPECT_EQ(std::u16string(UStringUtils::strtok(nullptr, u"=")), u"v");
-}
-
 TEST(UStringUtils, AtoTSharesOneBuffer) {
     char16_t* first = UStringUtils::AtoT("first");
     EXPECT_EQ(std::u16string(first), u"first");
