@@ -54,7 +54,7 @@ TEST(UMemUtilsMemcpy, LargeBlocksIncludingStreamingPathMatchMemmove) {
   const struct {
     size_t size;
     long delta;  // destination minus source; 0 means separate blocks
-  } cases[] = {{5 * mib + 13, 0}, {5 * mib + 13, 1}, {5 * mib + 13, -1}, {5 * mib, 4096},
+  } cases[] = {{9 * mib + 13, 0}, {5 * mib + 13, 1}, {5 * mib + 13, -1}, {5 * mib, 4096},
                {5 * mib, -33},     {70000, 3},        {70000, -3},        {4096, 0}};
   for (const auto& c : cases) {
     const size_t src = 64 + 3;
