@@ -15,7 +15,7 @@ struct Result {
     std::string out;  // stdout and stderr together
 };
 
-Result Run(const std::string& args) {
+Result RunTool(const std::string& args) {
     std::string command = std::string(BASICUTILS_TOOL_PATH) + " " + args + " 2>&1";
     Result r{-1, {}};
     FILE* pipe = popen(command.c_str(), "r");
@@ -59,7 +59,7 @@ TEST(TimecodeCommand, AnswersAndErrors) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.args);
-        Result r = Run(c.args);
+        Result r = RunTool(c.args);
         EXPECT_EQ(r.status, c.status) << r.out;
         EXPECT_NE(r.out.find(c.expected), std::string::npos) << r.out;
     }
