@@ -44,25 +44,18 @@ bool CAppBits::InitializeByteMasks() {
 }
 
 int CAppBits::FastGetBits(int n, cbits_get_t mode) {
-    const int o = mBitOffset;
-    const unsigned char* p = mBuffer + mBytePos;
-    unsigned w = (static_cast<unsigned>(sFirstByteMasks[n][o] & p[0]) << 8) |
-                 static_cast<unsigned>(sSecondByteMasks[n][o] & p[1]);
-    int result = static_cast<int>(w >> (16 - o - n));
+    int result = MaskedPair(mBuffer + mBytePos, mBitOffset, n);
     if (mode == kCBitsConsume) Advance(n);
     return result;
 }
 
-int CAppBits::PeekBits(int n) {
+int CAppBits::PeekBitsNearEnd(const unsigned char* buffer, int size, int p, int o, int n) {
     assert(n <= 32);
     if (n <= 0) return 0;
-    const int o = mBitOffset;
-    const int p = mBytePos;
-    assert(p >= 0 && static_cast<int64_t>(p) + BytesCovered(o, n) <= mBufSize);
-    const unsigned char* bytes = mBuffer + p;
+    assert(p >= 0 && static_cast<int64_t>(p) + BytesCovered(o, n) <= size);
+    const unsigned char* bytes = buffer + p;
 
-    // The mask tables for short fields with two bytes left, else byte by byte.
-    if (n <= 8 && static_cast<int64_t>(p) + 2 <= mBufSize) return FastGetBits(n, kCBitsShow);
+    if (n <= 8 && static_cast<int64_t>(p) + 2 <= size) return MaskedPair(bytes, o, n);
 
     const uint32_t first = bytes[0] & sRemainingBitsMasks[o];
     const int avail = 8 - o;

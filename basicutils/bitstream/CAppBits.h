@@ -97,8 +97,15 @@ protected:
     static bool InitializeByteMasks();
 
     // The reads near the end of the buffer (fewer than eight bytes at the
-    // cursor), without moving it: the mask tables or the byte loop.
-    int PeekBits(int n);
+    // cursor): the mask tables or the byte loop. It takes the cursor by
+    // value so that an inlined GetBits can keep the cursor in registers.
+    static int PeekBitsNearEnd(const unsigned char* buffer, int size, int bytePos, int bitOffset, int n);
+    // Bits o..o+n-1 (n <= 8) of the two bytes at p, through the mask tables.
+    static int MaskedPair(const unsigned char* p, int o, int n) {
+        unsigned w = (static_cast<unsigned>(sFirstByteMasks[n][o] & p[0]) << 8) |
+                     static_cast<unsigned>(sSecondByteMasks[n][o] & p[1]);
+        return static_cast<int>(w >> (16 - o - n));
+    }
     // Advances the bit position by n.
     void Advance(int n) {
         int bits = mBitOffset + n;
@@ -124,7 +131,8 @@ int CAppBits::GetBits(int n, cbits_get_t mode) {
     assert(n >= 0 && n <= 32);
     const int p = mBytePos;
     int result;
-    if (p >= 0 && static_cast<int64_t>(p) + 8 <= mBufSize) {
+    // One unsigned comparison: a negative position fails it too.
+    if (static_cast<int64_t>(static_cast<uint32_t>(p)) + 8 <= mBufSize) {
         // o + n <= 39 bits fit in one load; the split shift stays below 64
         // for every n, and n = 0 gives 0.
         uint64_t v;
@@ -132,7 +140,7 @@ int CAppBits::GetBits(int n, cbits_get_t mode) {
         v = __builtin_bswap64(v) << mBitOffset;
         result = static_cast<int>(static_cast<uint32_t>((v >> (63 - n)) >> 1));
     } else {
-        result = PeekBits(n);
+        result = PeekBitsNearEnd(mBuffer, mBufSize, p, mBitOffset, n);
     }
     if (mode == kCBitsConsume) Advance(n);
     return result;
