@@ -114,8 +114,8 @@ public:
     // Reverses the run of length bytes end to end; below 2 nothing changes
     // and the middle byte of an odd run stays.
     static void Swap(char* buffer, int16_t length);
-    // Reverses each pair of bytes from the start (a run of 16-bit words);
-    // the last byte of an odd run stays.
+    // Treats the run as 16-bit words and swaps the two bytes of each; an odd
+    // trailing byte is left where it is.
     static void SwapShort(unsigned char* buffer, int16_t length);
 
     // Read 4 or 2 bytes at the pointer, reversed; the buffer is unchanged.

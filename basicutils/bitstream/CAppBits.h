@@ -30,8 +30,8 @@
 // bits, so a value too wide for its field spills its high bits into the
 // bits just before the field. This includes a 32-bit field whose top bit is
 // set: as an int it is negative, and written from mid-byte it also sets the
-// bits before the field in its first byte. A write ending exactly on a byte
-// boundary does not touch the next byte.
+// bits before the field in its first byte. When a field finishes at the end
+// of a byte, the following byte is left alone until a later write begins it.
 //
 // The mask tables are filled when the library loads, before any cursor
 // exists (see LoadTimeObjects.cpp), and are read-only afterwards. A cursor

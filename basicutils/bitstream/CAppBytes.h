@@ -1,15 +1,15 @@
-// CAppBytes: a byte cursor over a buffer that the caller owns, reading
-// numbers of 1 to 4 bytes, most significant byte first.
+// CAppBytes: the byte-sized companion of CAppBits. It walks a caller-owned
+// buffer and reads big-endian numbers of 1 to 4 bytes.
 //
-// Like CAppBits it never compares the cursor with the end of the buffer:
-// `IsEOB` tells the caller, and a read or write of n bytes needs n bytes at
-// the cursor (debug builds assert it). `FlushBytes` may move the cursor past
-// the end, or backward with a negative count.
+// No bounds are checked; `IsEOB` reports when the position has reached the
+// size. Reading or writing n bytes requires n bytes at the current position
+// (asserted in debug builds). `FlushBytes` is plain arithmetic on the
+// position: it can step beyond the size, and a negative count steps back.
 //
-// GetBytes with a count outside 1..4 reads nothing, leaves the cursor and
-// returns 0. One byte reads as 0..255, two as 0..65535, three as
-// 0..16777215; four give the whole 32-bit pattern, negative when the top
-// bit is set.
+// Results: 1 byte gives 0..255, 2 give 0..65535, 3 give 0..16777215 (never
+// sign-extended); 4 give the raw 32-bit pattern, so a set top bit makes the
+// int negative. GetBytes with a count other than 1..4 returns 0 without
+// reading or moving.
 //
 // PutBytes is the mirror of GetBytes: it writes the low n bytes of value
 // (n of 1 to 4), most significant first, and moves the cursor past them,

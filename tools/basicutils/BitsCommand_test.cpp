@@ -62,60 +62,33 @@ protected:
     fs::path mDir;
 };
 
-TEST_F(BitsCommandTest, BitFieldsPrintPositionWidthDecimalAndHex) {
-    struct Case {
-        std::vector<std::string> fields;
-        std::string out;
-    };
-    const Case cases[] = {
-        {{"0:32", "32:12", "44:12"}, "0:32 435 0x000001b3\n32:12 720 0x2d0\n44:12 480 0x1e0\n"},
-        {{"24:8"}, "24:8 179 0xb3\n"},
-        {{"31:1", "30:1"}, "31:1 1 0x1\n30:1 1 0x1\n"},
-        // 32 bits from mid-byte span five bytes; the top bit set stays unsigned.
-        {{"100:32"}, "100:32 2882400004 0xabcdef04\n"},
-        {{"120:32"}, "120:32 4030808703 0xf041427f\n"},
-        {{"152:8"}, "152:8 128 0x80\n"},
-        {{"160:0", "0:0"}, "160:0 0 0x0\n0:0 0 0x0\n"},
-    };
-    for (const Case& c : cases) {
-        std::vector<std::string> args{"bits", PathOf("clip.m2v")};
-        args.insert(args.end(), c.fields.begin(), c.fields.end());
-        ToolRun r = Tool(args);
-        EXPECT_EQ(r.status, 0) << r.err;
-        EXPECT_EQ(r.out, c.out);
-        EXPECT_EQ(r.err, "");
-    }
-}
-
-TEST_F(BitsCommandTest, ByteReadsInEachOrderAndHexDump) {
-    struct Case {
-        std::vector<std::string> options;
-        std::string out;
-    };
-    const Case cases[] = {
-        {{"--at", "4", "--mb16"}, "4 mb16 11521 0x2d01\n"},
-        {{"--at", "4", "--lb16"}, "4 lb16 301 0x012d\n"},
-        {{"--mb32"}, "0 mb32 435 0x000001b3\n"},
-        {{"--lb32", "--at", "0"}, "0 lb32 3003187200 0xb3010000\n"},
-        {{"--at", "8", "--mb64"}, "8 mb64 1311768467463790320 0x123456789abcdef0\n"},
-        {{"--at", "8", "--lb64"}, "8 lb64 17356517385562371090 0xf0debc9a78563412\n"},
-        {{"--at", "16", "--mb32"}, "16 mb32 1094877056 0x41427f80\n"},
-        {{"--at", "16", "--count", "4"}, "00000010  41 42 7f 80                                       |AB..|\n"},
-        {{"--at", "20", "--count", "0"}, ""},
-        {{"--at", "18"}, "00000012  7f 80                                             |..|\n"},
-        {{"--at", "20"}, ""},
-        {{"--at", "2"},
-         "00000002  01 b3 2d 01 e0 24 12 34  56 78 9a bc de f0 41 42  |..-..$.4Vx....AB|\n"},
-        {{"--at", "1", "--count", "18"},
+// Each case runs the tool on clip.m2v (the file goes after the command).
+TEST_F(BitsCommandTest, FieldsAndNumbersPrintDecimalAndHex) {
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{"bits", "0:32", "32:12", "44:12"}, "0:32 435 0x000001b3\n32:12 720 0x2d0\n44:12 480 0x1e0\n"},
+        {{"bits", "31:1", "30:1"}, "31:1 1 0x1\n30:1 1 0x1\n"},
+        // Five bytes from mid-byte; a set top bit stays unsigned.
+        {{"bits", "100:32"}, "100:32 2882400004 0xabcdef04\n"},
+        {{"bits", "120:32"}, "120:32 4030808703 0xf041427f\n"},
+        {{"bits", "160:0", "0:0"}, "160:0 0 0x0\n0:0 0 0x0\n"},
+        {{"bytes", "--at", "4", "--mb16"}, "4 mb16 11521 0x2d01\n"},
+        {{"bytes", "--mb32"}, "0 mb32 435 0x000001b3\n"},
+        {{"bytes", "--lb32", "--at", "0"}, "0 lb32 3003187200 0xb3010000\n"},
+        {{"bytes", "--at", "8", "--mb64"}, "8 mb64 1311768467463790320 0x123456789abcdef0\n"},
+        {{"bytes", "--at", "8", "--lb64"}, "8 lb64 17356517385562371090 0xf0debc9a78563412\n"},
+        {{"bytes", "--at", "16", "--count", "4"}, "00000010  41 42 7f 80                                       |AB..|\n"},
+        {{"bytes", "--at", "18"}, "00000012  7f 80                                             |..|\n"},
+        {{"bytes", "--at", "20"}, ""},
+        {{"bytes", "--at", "1", "--count", "18"},
          "00000001  00 01 b3 2d 01 e0 24 12  34 56 78 9a bc de f0 41  |...-..$.4Vx....A|\n"
          "00000011  42 7f                                             |B.|\n"},
     };
-    for (const Case& c : cases) {
-        std::vector<std::string> args{"bytes", PathOf("clip.m2v")};
-        args.insert(args.end(), c.options.begin(), c.options.end());
-        ToolRun r = Tool(args);
+    for (const auto& [args, out] : cases) {
+        std::vector<std::string> full = args;
+        full.insert(full.begin() + 1, PathOf("clip.m2v"));
+        ToolRun r = Tool(full);
         EXPECT_EQ(r.status, 0) << r.err;
-        EXPECT_EQ(r.out, c.out) << c.options[0];
+        EXPECT_EQ(r.out, out) << args[0] << " " << args[1];
         EXPECT_EQ(r.err, "");
     }
 }
@@ -131,32 +104,23 @@ TEST_F(BitsCommandTest, BadInputIsRefusedWithAMessageNotACrash) {
     };
     const Case cases[] = {
         {{"bits"}, 2, "expected FILE"},
-        {{"bits", clip}, 2, "expected FILE"},
         {{"bits", clip, "12"}, 2, "not POS:WIDTH"},
         {{"bits", clip, "x:8"}, 2, "position in 'x:8'"},
         {{"bits", clip, "-8:8"}, 2, "position in '-8:8'"},
-        {{"bits", clip, ":8"}, 2, "position"},
         {{"bits", clip, "0:"}, 2, "width in '0:'"},
         {{"bits", clip, "0:33"}, 2, "from 0 to 32"},
-        {{"bits", clip, "0:8x"}, 2, "width"},
-        {{"bits", clip, "0:-1"}, 2, "width"},
         {{"bits", clip, "0:8", "99999999999999999999:1"}, 2, "position"},
         {{"bits", PathOf("missing.bin"), "0:8"}, 1, "cannot open"},
         {{"bits", mDir.string(), "0:8"}, 1, "is a directory"},
         {{"bits", clip, "0:8", "153:8"}, 1, "beyond the end"},
         {{"bits", clip, "161:0"}, 1, "beyond the end"},
         {{"bits", clip, "9223372036854775807:32"}, 1, "beyond the end"},
-        {{"bits", PathOf("empty.bin"), "0:1"}, 1, "beyond the end"},
         {{"bytes"}, 2, "expected FILE"},
         {{"bytes", clip, "--at"}, 2, "needs a number"},
         {{"bytes", clip, "--at", "ten"}, 2, "not 'ten'"},
-        {{"bytes", clip, "--count", "-1"}, 2, "not '-1'"},
         {{"bytes", clip, "--mb24"}, 2, "unknown option"},
-        {{"bytes", clip, "--mb16", "--lb16"}, 2, "give one of"},
         {{"bytes", clip, "--count", "2", "--mb16"}, 2, "give one of"},
-        {{"bytes", PathOf("missing.bin")}, 1, "cannot open"},
         {{"bytes", clip, "--at", "17", "--mb32"}, 1, "beyond the end"},
-        {{"bytes", clip, "--at", "21", "--count", "0"}, 1, "beyond the end"},
         {{"bytes", clip, "--count", "1000000000000"}, 1, "beyond the end"},
         {{"bytes", PathOf("empty.bin"), "--at", "1"}, 1, "beyond the end"},
     };
@@ -169,24 +133,6 @@ TEST_F(BitsCommandTest, BadInputIsRefusedWithAMessageNotACrash) {
         EXPECT_EQ(r.err.rfind("basicutils: ", 0), 0u) << shown;
         EXPECT_EQ(r.out, "") << shown;
     }
-}
-
-TEST_F(BitsCommandTest, ReadsAFieldNearTheEndOfALargerFile) {
-    // A field past the first megabyte: only its bytes are read.
-    std::vector<unsigned char> big(3 << 20, 0);
-    std::mt19937 rng(4);
-    for (auto& b : big) b = static_cast<unsigned char>(rng());
-    const size_t at = big.size() - 5;
-    big[at] = 0x0F;
-    big[at + 1] = 0xED;
-    big[at + 2] = 0xCB;
-    big[at + 3] = 0xA9;
-    big[at + 4] = 0x87;
-    const std::string path = Write("big.bin", big);
-    const std::string pos = std::to_string(at * 8 + 4);
-    ToolRun r = Tool({"bits", path, pos + ":32", pos + ":4"});
-    EXPECT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(r.out, pos + ":32 4275878552 0xfedcba98\n" + pos + ":4 15 0xf\n");
 }
 
 }  // namespace
