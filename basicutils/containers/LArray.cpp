@@ -49,6 +49,24 @@ bool IsSharedComparator(const LComparator* comparator) {
          comparator == &LArray::sPointerComparator;
 }
 
+// The binary search loop of every ordered search: probes until compare(mid)
+// gives 0 or the range is used up, leaving the last probe and its result.
+template <typename Compare>
+bool BinaryProbe(int32_t count, Compare compare, int32_t& mid, int32_t& r) {
+  int32_t lo = 1, hi = count;
+  while (lo <= hi) {
+    mid = lo + (hi - lo) / 2;
+    r = compare(mid);
+    if (r == 0) return true;
+    if (r > 0) {
+      hi = mid - 1;
+    } else {
+      lo = mid + 1;
+    }
+  }
+  return false;
+}
+
 }  // namespace
 
 LArray::LArray(uint32_t itemSize, LComparator* comparator, bool keepSorted)
@@ -285,34 +303,21 @@ int32_t LArray::FetchInsertIndexOf(const void* item, uint32_t size) const {
   if (size == 0) size = mItemSize;
   if (!mIsSorted) return kLastIndex;
   ScopedArrayLock lock(*this);
-  int32_t lo = 1, hi = static_cast<int32_t>(mItemCount), mid = 1, r = 0;
-  while (lo <= hi) {
-    mid = lo + (hi - lo) / 2;
-    r = mComparator->Compare(GetItemPtr(mid), item, GrabItemSize(mid), size);
-    if (r == 0) break;
-    if (r > 0) {
-      hi = mid - 1;
-    } else {
-      lo = mid + 1;
-    }
-  }
+  int32_t mid = 1, r = 0;
+  BinaryProbe(
+      static_cast<int32_t>(mItemCount),
+      [&](int32_t i) { return mComparator->Compare(GetItemPtr(i), item, GrabItemSize(i), size); }, mid,
+      r);
   return r >= 0 ? mid : mid + 1;
 }
 
 int32_t LArray::FetchInsertIndexOfKey(const void* key) const {
   if (!mIsSorted) return kLastIndex;
   ScopedArrayLock lock(*this);
-  int32_t lo = 1, hi = static_cast<int32_t>(mItemCount), mid = 1, r = 0;
-  while (lo <= hi) {
-    mid = lo + (hi - lo) / 2;
-    r = mComparator->CompareToKey(GetItemPtr(mid), GrabItemSize(mid), key);
-    if (r == 0) break;
-    if (r > 0) {
-      hi = mid - 1;
-    } else {
-      lo = mid + 1;
-    }
-  }
+  int32_t mid = 1, r = 0;
+  BinaryProbe(
+      static_cast<int32_t>(mItemCount),
+      [&](int32_t i) { return mComparator->CompareToKey(GetItemPtr(i), GrabItemSize(i), key); }, mid, r);
   return r >= 0 ? mid : mid + 1;
 }
 
@@ -427,34 +432,21 @@ int32_t LArray::LinearSearchByKey(const void* key) const {
 
 int32_t LArray::BinarySearch(const void* item, uint32_t size) const {
   ScopedArrayLock lock(*this);
-  int32_t lo = 1, hi = static_cast<int32_t>(mItemCount);
-  while (lo <= hi) {
-    const int32_t mid = lo + (hi - lo) / 2;
-    const int32_t r = mComparator->Compare(GetItemPtr(mid), item, GrabItemSize(mid), size);
-    if (r == 0) return mid;
-    if (r > 0) {
-      hi = mid - 1;
-    } else {
-      lo = mid + 1;
-    }
-  }
-  return 0;
+  int32_t mid = 0, r = 0;
+  const bool found = BinaryProbe(
+      static_cast<int32_t>(mItemCount),
+      [&](int32_t i) { return mComparator->Compare(GetItemPtr(i), item, GrabItemSize(i), size); }, mid,
+      r);
+  return found ? mid : 0;
 }
 
 int32_t LArray::BinarySearchByKey(const void* key) const {
   ScopedArrayLock lock(*this);
-  int32_t lo = 1, hi = static_cast<int32_t>(mItemCount);
-  while (lo <= hi) {
-    const int32_t mid = lo + (hi - lo) / 2;
-    const int32_t r = mComparator->CompareToKey(GetItemPtr(mid), GrabItemSize(mid), key);
-    if (r == 0) return mid;
-    if (r > 0) {
-      hi = mid - 1;
-    } else {
-      lo = mid + 1;
-    }
-  }
-  return 0;
+  int32_t mid = 0, r = 0;
+  const bool found = BinaryProbe(
+      static_cast<int32_t>(mItemCount),
+      [&](int32_t i) { return mComparator->CompareToKey(GetItemPtr(i), GrabItemSize(i), key); }, mid, r);
+  return found ? mid : 0;
 }
 
 void LArray::AttachIterator(LArrayIterator* iterator) {

@@ -1,5 +1,5 @@
-// LArray: an array of fixed-size items, copied in and out by value, lying
-// side by side in one Handle and addressed by 1-based signed indices.
+// LArray: fixed-size items stored contiguously in a single Handle, copied
+// in and out by value; indices are signed and start at 1.
 //
 // kLastIndex stands for the last item in any index argument and appends on
 // insertion. Insertion clamps its index into 1..count+1; every other
