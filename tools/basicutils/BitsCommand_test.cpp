@@ -10,21 +10,14 @@
 
 #include <gtest/gtest.h>
 
+#include "RunTool_test.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
-struct ToolRun {
-    int status;  // exit status, or -1 when the tool did not exit normally
-    std::string out, err;
-};
-
-std::string Slurp(const fs::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
+using basicutils_tool_test::RunTool;
+using basicutils_tool_test::ToolRun;
 
 class BitsCommandTest : public testing::Test {
 protected:
@@ -46,18 +39,7 @@ protected:
     }
     std::string PathOf(const std::string& name) const { return (mDir / name).string(); }
 
-    // Arguments are single-quoted for the shell; none of ours holds a quote.
-    ToolRun Tool(const std::vector<std::string>& args) {
-        std::string cmd = std::string("'") + BASICUTILS_TOOL_PATH + "'";
-        for (const auto& a : args) cmd += " '" + a + "'";
-        const fs::path out = mDir / "stdout", err = mDir / "stderr";
-        cmd += " >'" + out.string() + "' 2>'" + err.string() + "'";
-        int raw = std::system(cmd.c_str());
-        // std::system gives the wait status: the exit code sits in bits 8..15
-        // when the low 7 bits (the terminating signal) are zero.
-        int status = (raw & 0x7F) == 0 ? (raw >> 8) & 0xFF : -1;
-        return {status, Slurp(out), Slurp(err)};
-    }
+    ToolRun Tool(const std::vector<std::string>& args) { return RunTool(args); }
 
     fs::path mDir;
 };

@@ -36,9 +36,6 @@ bool ParseDouble(const std::string& text, double& value);
 
 // Subcommands. Add the declaration here and the entry in main.cpp.
 int RunTimecode(const Args& args);
-// The text, drop-frame, duration and PAL actions of RunTimecode.
-bool IsTimecodeTextAction(const Args& args);
-int RunTimecodeText(const Args& args);
 int RunBits(const Args& args);
 int RunBytes(const Args& args);
 

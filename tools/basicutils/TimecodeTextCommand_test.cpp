@@ -1,23 +1,18 @@
 // The text, drop-frame, duration and PAL actions of the timecode subcommand,
 // run as a user runs them.
-#include <sys/wait.h>
-
 #include <cstdio>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "RunTool_test.h"
+
 namespace {
 
 // Exit status and everything printed, stderr included.
 std::pair<int, std::string> Tool(const std::string& args) {
-    std::string out;
-    FILE* pipe = popen((std::string(BASICUTILS_TOOL_PATH) + " " + args + " 2>&1").c_str(), "r");
-    if (!pipe) return {-1, out};
-    char buffer[1024];
-    while (size_t n = fread(buffer, 1, sizeof buffer, pipe)) out.append(buffer, n);
-    int raw = pclose(pipe);
-    return {WIFEXITED(raw) ? WEXITSTATUS(raw) : 128, out};
+    auto run = basicutils_tool_test::RunToolShell(args);
+    return {run.status, run.All()};
 }
 
 TEST(TimecodeTextCommand, AnswersNotesAndErrors) {

@@ -16,8 +16,8 @@ namespace basicutils_tool {
 
 const Command kCommands[] = {
     {"timecode", "tc", "timecode arithmetic: frames, sums, differences, packed form, milliseconds",
-     "usage: basicutils timecode ACTION [--rate R]   (alias: tc; R is 24, 25, 30 or any\n"
-     "       rate from 24 to 1200; the default is 30)\n"
+     "usage: basicutils timecode ACTION [options]   (alias: tc)\n"
+     "counting (--rate R: 24, 25, 30 or any rate from 24 to 1200; default 30):\n"
      "  frames TC        the 1-based frame count of TC (00:00:00:00 is frame 1)\n"
      "  at FRAME         the timecode of a frame count\n"
      "  add TC TC        the sum of two timecodes\n"
@@ -25,8 +25,17 @@ const Command kCommands[] = {
      "  pack TC          the packed double form: count * 10000 + rate * 100\n"
      "  unpack PACKED    the timecode of a packed value\n"
      "  ms TC            milliseconds from zero\n"
-     "TC is HH:MM:SS:FF (';' before the frames is accepted). Out-of-range fields are\n"
-     "brought into range by the library, and the tool says what it read.",
+     "text, drop-frame labels and stretches:\n"
+     "  parse TEXT [--keep]      read from the right (12 = frames; ';' means 25 fps)\n"
+     "  read TEXT                read from the left (1:2 = 01:02:00:00)\n"
+     "  drop TC [--start TC]     non-drop count to drop-frame label, from the start's minute\n"
+     "  nondrop TC [--start TC]  drop-frame label to non-drop count\n"
+     "  end START LENGTH [--drop]   the inclusive end of a stretch (--rate 25 for PAL)\n"
+     "  length START END [--drop]   the length of a stretch\n"
+     "  overlap START LENGTH START LENGTH   the stretch two have in common\n"
+     "  pal TC...                relabel NTSC timecodes at 25 fps\n"
+     "TC is HH:MM:SS:FF (;FF at 25 fps), read by the library from the left. Bad text is\n"
+     "not refused: the library reads it as 0 and clamps, and the tool says what it read.",
      RunTimecode},
     {"bits", nullptr, "bit fields of a file at bit positions, MSB first",
      "usage: basicutils bits FILE POS:WIDTH...\n"
