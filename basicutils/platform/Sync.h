@@ -15,8 +15,10 @@
 // issued the I/O. A non-alertable wait leaves the calls queued.
 #pragma once
 
+#include <condition_variable>
 #include <cstdint>
 #include <mutex>
+#include <thread>
 
 #include <basicutils/Export.h>
 #include <basicutils/platform/Handles.h>
@@ -61,6 +63,8 @@ public:
     virtual BOOL Unlock() = 0;
 };
 
+// Recursive; Unlock by a thread that doesn't hold the section answers FALSE
+// and changes nothing.
 class BASICUTILS_EXPORT CCriticalSection : public CSyncObject {
 public:
     CCriticalSection() = default;
@@ -68,7 +72,10 @@ public:
     BOOL Unlock() override;
 
 private:
-    std::recursive_timed_mutex mMutex;
+    std::mutex mLock;
+    std::condition_variable mFree;
+    std::thread::id mOwner;
+    int mCount = 0;
 };
 
 class BASICUTILS_EXPORT CSingleLock {

@@ -114,6 +114,8 @@ TEST(Sync, CriticalSectionIsRecursiveAndExclusive) {
         EXPECT_FALSE(otherGot);
         EXPECT_TRUE(inner.Unlock());
         EXPECT_FALSE(inner.Unlock()) << "an Unlock without a Lock leaves nothing";
+        std::thread([&] { otherGot = section.Unlock(); }).join();
+        EXPECT_FALSE(otherGot) << "only the owner can leave the section";
         std::thread([&] { otherGot = section.Lock(0); }).join();
         EXPECT_FALSE(otherGot) << "the outer guard still holds it";
     }

@@ -179,15 +179,29 @@ BOOL QueueUserAPCToThreadId(PAPCFUNC function, DWORD threadId, ULONG_PTR data) {
 }
 
 BOOL CCriticalSection::Lock(DWORD timeout) {
-    if (timeout == INFINITE) {
-        mMutex.lock();
+    const std::thread::id me = std::this_thread::get_id();
+    std::unique_lock<std::mutex> l(mLock);
+    if (mCount > 0 && mOwner == me) {
+        ++mCount;
         return 1;
     }
-    return mMutex.try_lock_for(std::chrono::milliseconds(timeout)) ? 1 : 0;
+    auto free = [&] { return mCount == 0; };
+    if (timeout == INFINITE)
+        mFree.wait(l, free);
+    else if (!mFree.wait_for(l, std::chrono::milliseconds(timeout), free))
+        return 0;
+    mOwner = me;
+    mCount = 1;
+    return 1;
 }
 
 BOOL CCriticalSection::Unlock() {
-    mMutex.unlock();
+    std::lock_guard<std::mutex> g(mLock);
+    if (mCount == 0 || mOwner != std::this_thread::get_id()) return 0;
+    if (--mCount == 0) {
+        mOwner = std::thread::id();
+        mFree.notify_one();
+    }
     return 1;
 }
 
