@@ -46,6 +46,8 @@ class BASICUTILS_EXPORT Handle {
   uint32_t GetSize() const { return mSize; }
 
  protected:
+  friend class LArrayIterator;  // reads mBlock on the broadcasters' walk
+
   uint32_t mSize;
   uint32_t mAllocSize;
   char* mBlock;

@@ -24,9 +24,11 @@
 #pragma once
 
 #include <basicutils/Export.h>
+#include <basicutils/containers/Handle.h>
 #include <basicutils/containers/LArray.h>
 
 #include <cstdint>
+#include <cstring>
 
 namespace basicutils {
 
@@ -50,6 +52,23 @@ class BASICUTILS_EXPORT LArrayIterator {
   bool Previous(void* buffer, uint32_t& size);
   // The raw position, special values included.
   int32_t GetCurrentIndex() const { return mCurrentIndex; }
+
+  // Next for a walk over a plain LList of pointer-sized items, the kind that
+  // broadcasters and listeners keep: the same indices and the same item as
+  // Next, read directly instead of through the array's virtual operations.
+  // Only for arrays whose class overrides none of them.
+  bool NextPointerItem(void* item) {
+    if (mCurrentIndex == kIteratorArrayDead) return false;
+    mCurrentIndex = mNextIndex;
+    if (mCurrentIndex == kIteratorPastEnd) return false;
+    const int64_t count = mArray->mItemCount;
+    mNextIndex = mCurrentIndex + int64_t{1} > count ? kIteratorPastEnd : mCurrentIndex + 1;
+    if (mCurrentIndex < 1 || mCurrentIndex > count) return false;
+    const char* block = mArray->mItems->mBlock;
+    std::memcpy(item, block + static_cast<size_t>(mCurrentIndex - 1) * sizeof(void*),
+                sizeof(void*));
+    return true;
+  }
 
  protected:
   friend class LArray;

@@ -20,7 +20,7 @@ LBroadcaster::~LBroadcaster() {
     if (mListeners != nullptr) {
         LListIterator iterator(*mListeners, 0);
         LListener* listener = nullptr;
-        while (iterator.Next(&listener)) listener->RemoveBroadcaster(this);
+        while (iterator.NextPointerItem(&listener)) listener->RemoveBroadcaster(this);
         delete mListeners;
     }
 }
@@ -45,7 +45,7 @@ void LBroadcaster::BroadcastMessage(int32_t message, void* param) {
     // handler. Nothing below touches `this`.
     LListIterator iterator(*mListeners, 0);
     LListener* listener = nullptr;
-    while (iterator.Next(&listener)) {
+    while (iterator.NextPointerItem(&listener)) {
         if (listener->IsListening()) listener->ListenToMessage(message, param);
     }
 }
@@ -64,7 +64,7 @@ LListener::~LListener() {
     if (mBroadcasters != nullptr) {
         LListIterator iterator(*mBroadcasters, 0);
         LBroadcaster* broadcaster = nullptr;
-        while (iterator.Next(&broadcaster)) broadcaster->RemoveListener(this);
+        while (iterator.NextPointerItem(&broadcaster)) broadcaster->RemoveListener(this);
         delete mBroadcasters;
     }
 }
