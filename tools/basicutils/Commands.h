@@ -38,5 +38,9 @@ bool ParseDouble(const std::string& text, double& value);
 int RunTimecode(const Args& args);
 int RunBits(const Args& args);
 int RunBytes(const Args& args);
+// A background task with a progress line, pumped from the main thread.
+int RunTask(const Args& args);
+int RunTaskExample();
+int RunTaskExample(int megabytes);
 
 }  // namespace basicutils_tool

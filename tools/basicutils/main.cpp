@@ -50,6 +50,11 @@ const Command kCommands[] = {
      "  or dumps N bytes in hex and text (--count; by default up to 16 bytes).\n"
      "  example: basicutils bytes clip.m2v --at 4 --mb32",
      RunBytes},
+    {"task", nullptr, "run a checksum task on a worker thread with a progress line",
+     "usage: basicutils task [MIB]\n"
+     "  checksums MIB mebibytes of generated data (default 64) on a worker thread,\n"
+     "  drawing progress on stderr and printing the result on stdout",
+     RunTask},
     {nullptr, nullptr, nullptr, nullptr, nullptr},
 };
 
