@@ -449,23 +449,6 @@ int32_t LArray::BinarySearchByKey(const void* key) const {
   return found ? mid : 0;
 }
 
-void LArray::AttachIterator(LArrayIterator* iterator) {
-  iterator->SetNextIterator(mFirstIterator);
-  mFirstIterator = iterator;
-}
-
-void LArray::DetachIterator(LArrayIterator* iterator) {
-  LArrayIterator** link = &mFirstIterator;
-  while (*link != nullptr) {
-    if (*link == iterator) {
-      *link = iterator->GetNextIterator();
-      iterator->SetNextIterator(nullptr);
-      return;
-    }
-    link = &(*link)->mNextIterator;
-  }
-}
-
 void LArray::ItemsInserted(uint32_t count, int32_t index) {
   for (LArrayIterator* it = mFirstIterator; it != nullptr; it = it->GetNextIterator()) {
     it->ItemsInserted(count, index);

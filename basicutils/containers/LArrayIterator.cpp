@@ -4,29 +4,6 @@
 
 namespace basicutils {
 
-LArrayIterator::LArrayIterator(LArray& array, int32_t position)
-    : mNextIterator(nullptr),
-      mArray(&array),
-      mCurrentIndex(kIteratorBeforeFirst),
-      mNextIndex(kIteratorBeforeFirst) {
-  mArray->AttachIterator(this);
-  ResetTo(position);
-}
-
-LArrayIterator::~LArrayIterator() {
-  if (mCurrentIndex != kIteratorArrayDead && mArray != nullptr) mArray->DetachIterator(this);
-}
-
-void LArrayIterator::ResetTo(int32_t position) {
-  if (mCurrentIndex == kIteratorArrayDead) return;
-  if (position != -1 && static_cast<int64_t>(position) <= static_cast<int64_t>(mArray->GetCount())) {
-    mCurrentIndex = position >= 1 ? position : kIteratorBeforeFirst;
-  } else {
-    mCurrentIndex = kIteratorPastEnd;
-  }
-  CalcNextIndex();
-}
-
 bool LArrayIterator::Current(void* buffer) {
   if (mCurrentIndex == kIteratorArrayDead) return false;
   return mArray->FetchItemAt(mCurrentIndex, buffer);
@@ -59,15 +36,6 @@ bool LArrayIterator::Previous(void* buffer) {
 bool LArrayIterator::Previous(void* buffer, uint32_t& size) {
   if (!CalcPreviousIndex()) return false;
   return Current(buffer, size);
-}
-
-void LArrayIterator::CalcNextIndex() {
-  if (mCurrentIndex == kIteratorPastEnd) {
-    mNextIndex = kIteratorPastEnd;
-    return;
-  }
-  const int64_t next = int64_t{mCurrentIndex} + 1;
-  mNextIndex = next > int64_t{mArray->GetCount()} ? kIteratorPastEnd : static_cast<int32_t>(next);
 }
 
 bool LArrayIterator::CalcPreviousIndex() {
@@ -122,8 +90,5 @@ void LArrayIterator::ItemsRemoved(uint32_t count, int32_t index) {
   mCurrentIndex = kIteratorItemRemoved;
 }
 
-LListIterator::LListIterator(LList& list, int32_t position) : LArrayIterator(list, position) {}
-
-LListIterator::~LListIterator() = default;
 
 }  // namespace basicutils

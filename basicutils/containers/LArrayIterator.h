@@ -26,6 +26,7 @@
 #include <basicutils/Export.h>
 #include <basicutils/containers/Handle.h>
 #include <basicutils/containers/LArray.h>
+#include <basicutils/containers/LList.h>
 
 #include <cstdint>
 #include <cstring>
@@ -89,8 +90,58 @@ class BASICUTILS_EXPORT LArrayIterator {
 
 class BASICUTILS_EXPORT LListIterator : public LArrayIterator {
  public:
-  LListIterator(LList& list, int32_t position);
-  ~LListIterator() override;
+  LListIterator(LList& list, int32_t position) : LArrayIterator(list, position) {}
+  ~LListIterator() override = default;
 };
+
+// Kept inline: every broadcast constructs and destroys one iterator.
+inline LArrayIterator::LArrayIterator(LArray& array, int32_t position)
+    : mNextIterator(nullptr),
+      mArray(&array),
+      mCurrentIndex(kIteratorBeforeFirst),
+      mNextIndex(kIteratorBeforeFirst) {
+  mArray->AttachIterator(this);
+  ResetTo(position);
+}
+
+inline LArrayIterator::~LArrayIterator() {
+  if (mCurrentIndex != kIteratorArrayDead && mArray != nullptr) mArray->DetachIterator(this);
+}
+
+inline void LArrayIterator::ResetTo(int32_t position) {
+  if (mCurrentIndex == kIteratorArrayDead) return;
+  if (position != -1 && static_cast<int64_t>(position) <= static_cast<int64_t>(mArray->GetCount())) {
+    mCurrentIndex = position >= 1 ? position : kIteratorBeforeFirst;
+  } else {
+    mCurrentIndex = kIteratorPastEnd;
+  }
+  CalcNextIndex();
+}
+
+inline void LArrayIterator::CalcNextIndex() {
+  if (mCurrentIndex == kIteratorPastEnd) {
+    mNextIndex = kIteratorPastEnd;
+    return;
+  }
+  const int64_t next = int64_t{mCurrentIndex} + 1;
+  mNextIndex = next > int64_t{mArray->GetCount()} ? kIteratorPastEnd : static_cast<int32_t>(next);
+}
+
+inline void LArray::AttachIterator(LArrayIterator* iterator) {
+  iterator->SetNextIterator(mFirstIterator);
+  mFirstIterator = iterator;
+}
+
+inline void LArray::DetachIterator(LArrayIterator* iterator) {
+  LArrayIterator** link = &mFirstIterator;
+  while (*link != nullptr) {
+    if (*link == iterator) {
+      *link = iterator->GetNextIterator();
+      iterator->SetNextIterator(nullptr);
+      return;
+    }
+    link = &(*link)->mNextIterator;
+  }
+}
 
 }  // namespace basicutils

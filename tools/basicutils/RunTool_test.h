@@ -2,12 +2,11 @@
 // its exit status, stdout and stderr. Shared by the tool's tests.
 #pragma once
 
-#include <unistd.h>
-
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -30,9 +29,10 @@ inline std::string Slurp(const std::filesystem::path& p) {
 // `args` is shell text placed after the tool's path.
 inline ToolRun RunToolShell(const std::string& args) {
     namespace fs = std::filesystem;
+    static const unsigned process = std::random_device{}();
     static std::atomic<int> counter{0};
-    fs::path dir = fs::temp_directory_path() /
-                   ("basicutils_tool_" + std::to_string(getpid()) + "_" + std::to_string(counter++));
+    fs::path dir = fs::temp_directory_path() / ("basicutils_tool_" + std::to_string(process) +
+                                                "_" + std::to_string(counter++));
     fs::create_directories(dir);
     std::string cmd = std::string("'") + BASICUTILS_TOOL_PATH + "' " + args + " >'" +
                       (dir / "out").string() + "' 2>'" + (dir / "err").string() + "'";
