@@ -4,7 +4,7 @@
 // The four counters are 16-bit and the rate is a double in 24.0..1200.0; the
 // frame type (24, 25 or 30 frames a second) is derived from the rate by exact
 // comparison, and every other rate (29.97 included) reports kFrameType30.
-// Hours are not a time of day: nothing wraps at 24 hours.
+// The hour is a count, not a clock: 23:59:59:29 plus a frame is 24:00:00:00.
 //
 // Setters never refuse a value: each passes it through its virtual validator
 // (minutes and seconds at most 59, frames below the rate, the rate within
@@ -27,8 +27,9 @@
 //     for 32 bits, as GetTotalFrame does;
 //   - value 2 of frame_type_t is named kFrameTypeUnused; like every value
 //     without a case it selects 30.0.
-// The computing operations read the fields through the virtual getters, so
-// a derived class that overrides a getter changes them too.
+// Counting, comparison and arithmetic go through the virtual getters: a
+// subclass that answers GetHour differently is counted by its own answer.
+// Equality, assignment and the frame steps use the stored fields.
 #pragma once
 
 #include <cstdint>
