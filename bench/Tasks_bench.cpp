@@ -51,14 +51,17 @@ void PumpUntilEnded(Shared& shared, int count) {
     while (shared.ended.load(std::memory_order_acquire) < count) PumpMessages(INFINITE);
 }
 
+// One worker task from Execute to its deletion on this (the main) thread.
+void RunOne(Shared& shared, int& launched) {
+    (new EmptyTask(&shared))->Execute();
+    PumpUntilEnded(shared, ++launched);
+}
+
 void TaskRoundTrip(benchmark::State& state) {
     CThreadDispatcher::GetThreadDispatcher();
     Shared shared;
     int launched = 0;
-    for (auto _ : state) {
-        (new EmptyTask(&shared))->Execute();
-        PumpUntilEnded(shared, ++launched);
-    }
+    for (auto _ : state) RunOne(shared, launched);
     state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(TaskRoundTrip)->UseRealTime();
@@ -92,8 +95,7 @@ void EndToCleanUpLatency(benchmark::State& state) {
     Shared shared;
     int launched = 0;
     for (auto _ : state) {
-        (new EmptyTask(&shared))->Execute();
-        PumpUntilEnded(shared, ++launched);
+        RunOne(shared, launched);
         state.SetIterationTime(shared.latency);
     }
 }

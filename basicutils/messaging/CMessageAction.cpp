@@ -17,9 +17,9 @@ const char16_t kEmptyText[] = u"";
 }  // namespace
 
 CMessageAction::CMessageAction() = default;
-CMessageAction::CMessageAction(const CMessageAction& other) : LBroadcaster(other) {}
+CMessageAction::CMessageAction(const CMessageAction& other) : ChannelBroadcaster(other) {}
 CMessageAction& CMessageAction::operator=(const CMessageAction& other) {
-    LBroadcaster::operator=(other);
+    ChannelBroadcaster::operator=(other);
     return *this;
 }
 CMessageAction::~CMessageAction() = default;
@@ -53,16 +53,6 @@ message_action_t CMessageAction::GetWindowType(message_action_t type) {
 
 CMessageAction* CMessageAction::GetMessageAction() { return &sMessageAction; }
 
-void CMessageAction::AddListener(LListener* listener) {
-    std::lock_guard<std::recursive_mutex> g(mChannelLock);
-    LBroadcaster::AddListener(listener);
-}
-
-void CMessageAction::RemoveListener(LListener* listener) {
-    std::lock_guard<std::recursive_mutex> g(mChannelLock);
-    LBroadcaster::RemoveListener(listener);
-}
-
 void CMessageAction::_Error(void* context, const char16_t* text, message_action_t type) {
     Report(kKindError, type, context, text);
 }
@@ -92,8 +82,7 @@ void CMessageAction::Report(int32_t kind, message_action_t type, void* context,
 
 void CMessageAction::BroadcastInteraction(int32_t message, void* context, const char16_t* text) {
     SInteractionInfo info{context, text};
-    std::lock_guard<std::recursive_mutex> g(mChannelLock);
-    BroadcastMessage(message, &info);
+    BroadcastLocked(message, &info);
 }
 
 }  // namespace basicutils

@@ -22,10 +22,9 @@
 
 #include <atomic>
 #include <cstdint>
-#include <mutex>
 
 #include <basicutils/Export.h>
-#include <basicutils/messaging/LBroadcaster.h>
+#include <basicutils/messaging/ChannelBroadcaster.h>
 
 namespace basicutils {
 
@@ -46,7 +45,7 @@ struct SInteractionInfo {
     const char16_t* mText;
 };
 
-class BASICUTILS_EXPORT CMessageAction : public LBroadcaster {
+class BASICUTILS_EXPORT CMessageAction : public detail::ChannelBroadcaster {
 public:
     CMessageAction();
     CMessageAction(const CMessageAction& other);
@@ -71,9 +70,6 @@ public:
     static message_action_t GetWindowType(message_action_t type);
     static CMessageAction* GetMessageAction();
 
-    // Locked versions of the broadcaster's registration (see the top).
-    void AddListener(LListener* listener);
-    void RemoveListener(LListener* listener);
 
     static CMessageAction sMessageAction;
     static std::atomic<message_action_t> sDefaultType;
@@ -93,8 +89,6 @@ protected:
 private:
     // Sends one report of `kind` to the resolved window `type`.
     void Report(int32_t kind, message_action_t type, void* context, const char16_t* text);
-
-    std::recursive_mutex mChannelLock;
 };
 
 }  // namespace basicutils

@@ -62,6 +62,7 @@ TEST(CMessageAction, NumbersFollowKindAndResolvedWindow) {
         {kMessageWindow2, noReturn, 0, 26014}, {kMessageWindow1, simple, 1, 26005},
         {kMessageWindow1, ret, 2, 26016},      {kMessageWindow5, ret, 0, 26046},
         {kMessageWindowDefault, error, 0, 0},  {kMessageWindowDefault, inform, 2, 26012},
+        {kMessageWindow3, simple, 0, 26025},
         {kMessageWindow1, error, 6, 0},        {kMessageWindow1, warning, -1, 0},
         {static_cast<message_action_t>(9), clear, 0, 0},
     };
@@ -97,15 +98,6 @@ TEST(CMessageAction, RecordsCarryContextAndTextByKind) {
     EXPECT_EQ(recorder.heard[1].text, u"");
     EXPECT_EQ(recorder.heard[1].context, nullptr);
     EXPECT_TRUE(recorder.heard[2].textIsNull) << "Clear sends no text";
-}
-
-TEST(CMessageAction, WindowTypeResolution) {
-    DefaultGuard guard;
-    EXPECT_EQ(CMessageAction::GetWindowType(kMessageWindowDefault), kMessageWindow1);
-    EXPECT_EQ(CMessageAction::GetWindowType(kMessageWindow5), kMessageWindow5);
-    CMessageAction::SetDefault(kMessageWindow3);
-    EXPECT_EQ(CMessageAction::GetWindowType(kMessageWindowDefault), kMessageWindow3);
-    EXPECT_EQ(CMessageAction::sDefaultType.load(), kMessageWindow3);
 }
 
 // A derived channel sees every report in BroadcastInteraction.

@@ -4,9 +4,9 @@
 namespace basicutils {
 
 CThreadStatus::CThreadStatus() = default;
-CThreadStatus::CThreadStatus(const CThreadStatus& other) : LBroadcaster(other) {}
+CThreadStatus::CThreadStatus(const CThreadStatus& other) : ChannelBroadcaster(other) {}
 CThreadStatus& CThreadStatus::operator=(const CThreadStatus& other) {
-    LBroadcaster::operator=(other);
+    ChannelBroadcaster::operator=(other);
     return *this;
 }
 CThreadStatus::~CThreadStatus() = default;
@@ -36,18 +36,7 @@ void CThreadStatus::BroadcastStatus(int mask, int64_t position, int64_t range,
                                     const char16_t* status, const char16_t* description) {
     SThreadStatusInfo info{mask, position, range, MString(status ? status : u""),
                            MString(description ? description : u"")};
-    std::lock_guard<std::recursive_mutex> g(mChannelLock);
-    BroadcastMessage(kMsgThreadStatus, &info);
-}
-
-void CThreadStatus::AddListener(LListener* listener) {
-    std::lock_guard<std::recursive_mutex> g(mChannelLock);
-    LBroadcaster::AddListener(listener);
-}
-
-void CThreadStatus::RemoveListener(LListener* listener) {
-    std::lock_guard<std::recursive_mutex> g(mChannelLock);
-    LBroadcaster::RemoveListener(listener);
+    BroadcastLocked(kMsgThreadStatus, &info);
 }
 
 }  // namespace basicutils

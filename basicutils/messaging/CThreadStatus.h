@@ -14,10 +14,9 @@
 #pragma once
 
 #include <cstdint>
-#include <mutex>
 
 #include <basicutils/Export.h>
-#include <basicutils/messaging/LBroadcaster.h>
+#include <basicutils/messaging/ChannelBroadcaster.h>
 #include <basicutils/text/MString.h>
 
 namespace basicutils {
@@ -39,7 +38,7 @@ struct SThreadStatusInfo {
     MString mDescription;
 };
 
-class BASICUTILS_EXPORT CThreadStatus : public LBroadcaster {
+class BASICUTILS_EXPORT CThreadStatus : public detail::ChannelBroadcaster {
 public:
     CThreadStatus();
     CThreadStatus(const CThreadStatus& other);
@@ -58,13 +57,9 @@ public:
     void BroadcastStatus(int mask, int64_t position, int64_t range, const char16_t* status,
                          const char16_t* description);
 
-    void AddListener(LListener* listener);
-    void RemoveListener(LListener* listener);
 
     static CThreadStatus sThreadStatus;
 
-private:
-    std::recursive_mutex mChannelLock;
 };
 
 }  // namespace basicutils

@@ -141,20 +141,24 @@ HANDLE CreateEventW(void*, BOOL manualReset, BOOL initialState, const char16_t*)
     return (new detail::Event(manualReset != 0, initialState != 0))->Publish();
 }
 
-BOOL SetEvent(HANDLE event) {
-    ObjectRef ref(KernelObject::Acquire(event));
-    auto* e = dynamic_cast<detail::Event*>(ref.get());
-    if (!e) return 0;
-    e->Set();
+namespace {
+// Calls `action` on the event behind a handle; FALSE for any other handle.
+template <class Action>
+BOOL WithEvent(HANDLE handle, Action action) {
+    ObjectRef ref(KernelObject::Acquire(handle));
+    auto* event = dynamic_cast<detail::Event*>(ref.get());
+    if (!event) return 0;
+    action(*event);
     return 1;
+}
+}  // namespace
+
+BOOL SetEvent(HANDLE event) {
+    return WithEvent(event, [](detail::Event& e) { e.Set(); });
 }
 
 BOOL ResetEvent(HANDLE event) {
-    ObjectRef ref(KernelObject::Acquire(event));
-    auto* e = dynamic_cast<detail::Event*>(ref.get());
-    if (!e) return 0;
-    e->Reset();
-    return 1;
+    return WithEvent(event, [](detail::Event& e) { e.Reset(); });
 }
 
 DWORD WaitForSingleObject(HANDLE object, DWORD milliseconds) {
