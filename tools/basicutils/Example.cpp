@@ -1,6 +1,6 @@
 // The built-in example: what `basicutils` with no argument shows. It walks
 // through the library's spine: timecodes that notify, arrays whose iterators
-// survive edits, and the string.
+// survive edits, the string, and a background task.
 #include <cstdio>
 #include <string>
 
@@ -78,12 +78,29 @@ void ShowLists() {
     std::printf("\n\n");
 }
 
+void ShowStrings() {
+    std::printf("Strings\n");
+    MString path(u"DISC\\VIDEO_TS\\menu_01.vob");
+    MString folder, file;
+    path.Split(u'\\', folder, file, false);
+    MString line;
+    line.Format(u"%s holds %s, %d%% done, %f s", static_cast<const char16_t*>(folder),
+                static_cast<const char16_t*>(file), 50, 1.5);
+    char utf8[256];
+    line.ExportASCII(utf8, 255, kCharacterSetWindows);
+    std::printf("  Split and Format: %s\n", utf8);
+    line.Change2Upper();
+    line.ExportASCII(utf8, 255, kCharacterSetWindows);
+    std::printf("  Change2Upper:     %s\n\n", utf8);
+}
+
 }  // namespace
 
 int RunExample() {
     std::printf("BasicUtils: a tour of the library\n\n");
     ShowTimecodes();
     ShowLists();
+    ShowStrings();
     return 0;
 }
 
