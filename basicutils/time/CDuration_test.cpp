@@ -2,23 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include "TimeTest_test.h"
+
 #include <string>
 #include <vector>
 
 namespace basicutils {
 namespace {
 
-CTimecode T(int h, int m, int s, int f, double rate = 30.0) {
-    return CTimecode(static_cast<uint16_t>(h), static_cast<uint16_t>(m), static_cast<uint16_t>(s),
-                     static_cast<uint16_t>(f), rate);
-}
-
-std::string S(const CTimecode& t) {
-    char buf[40];
-    std::snprintf(buf, sizeof buf, "%02d:%02d:%02d:%02d@%g", t.GetHour(), t.GetMinute(),
-                  t.GetSecond(), t.GetFrame(), t.GetFrameRate());
-    return buf;
-}
+using timetest::S;
+using timetest::T;
 
 CDuration Stretch(const CTimecode& start, const CTimecode& length) {
     CDuration d;
@@ -27,16 +20,7 @@ CDuration Stretch(const CTimecode& start, const CTimecode& length) {
     return d;
 }
 
-// Records every notification with a tag for who sent it.
-class Recorder : public LResponder {
-public:
-    bool Respond(int32_t message, LNotifier* notifier, int32_t, intptr_t) override {
-        log.push_back(std::to_string(message) + (notifier == watched ? "" : "*"));
-        return true;
-    }
-    LNotifier* watched = nullptr;
-    std::vector<std::string> log;
-};
+using timetest::Recorder;
 
 // Exposes the two timecodes so that a test can listen to them.
 class Open : public CDuration {

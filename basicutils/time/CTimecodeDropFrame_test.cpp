@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "TimeTest_test.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <string>
@@ -122,32 +124,24 @@ TEST(DropFrame, KnownLabelsFromZeroAndFromALaterStart) {
     }
 }
 
-class Counter : public LResponder {
-public:
-    bool Respond(int32_t message, LNotifier*, int32_t, intptr_t) override {
-        if (message == kNotifyTimecodeChanged) ++count;
-        return true;
-    }
-    int count = 0;
-};
 
 TEST(DropFrame, ResultNotifiesAtMostOnceAndSourcesStay) {
     CTimecode source(1, 0, 0, 0, 30.0), start(0, 0, 0, 0, 30.0), result;
-    Counter heard, heardSource;
+    timetest::Recorder heard, heardSource;
     result.AddResponder(&heard);
     source.AddResponder(&heardSource);
     source.Nondrop2Drop(start, &result);
-    EXPECT_EQ(heard.count, 1);  // four fields changed, one notification
+    EXPECT_EQ(heard.Count(), 1u);  // four fields changed, one notification
     EXPECT_EQ(Of(source), (Label{1, 0, 0, 0}));
-    EXPECT_EQ(heardSource.count, 0);
+    EXPECT_EQ(heardSource.Count(), 0u);
     source.Nondrop2Drop(start, &result);
-    EXPECT_EQ(heard.count, 1);  // already equal: silent
+    EXPECT_EQ(heard.Count(), 1u);  // already equal: silent
     source.Nondrop2Drop(source);  // its own start: unchanged
     EXPECT_EQ(Of(source), (Label{1, 0, 0, 0}));
-    EXPECT_EQ(heardSource.count, 0);
+    EXPECT_EQ(heardSource.Count(), 0u);
     source.Nondrop2Drop(start);
     EXPECT_EQ(Of(source), (Label{1, 0, 3, 18}));
-    EXPECT_EQ(heardSource.count, 1);
+    EXPECT_EQ(heardSource.Count(), 1u);
     source.Drop2Nondrop(start);
     EXPECT_EQ(Of(source), (Label{1, 0, 0, 0}));
     source.Drop2Nondrop(start, nullptr);  // a null result is ignored

@@ -2,23 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include "TimeTest_test.h"
+
 #include <string>
 
 namespace basicutils {
 namespace {
 
-CTimecode T(int h, int m, int s, int f, double rate = 30.0) {
-    return CTimecode(static_cast<uint16_t>(h), static_cast<uint16_t>(m), static_cast<uint16_t>(s),
-                     static_cast<uint16_t>(f), rate);
-}
-
-std::string S(const CTimecode* t) {
-    if (!t) return "null";
-    char buf[40];
-    std::snprintf(buf, sizeof buf, "%02d:%02d:%02d:%02d@%g", t->GetHour(), t->GetMinute(),
-                  t->GetSecond(), t->GetFrame(), t->GetFrameRate());
-    return buf;
-}
+using timetest::S;
+using timetest::T;
 
 TEST(CTimecodeList, OwnsCopiesAndWalksByItsCursor) {
     CTimecodeList list;
