@@ -170,12 +170,5 @@ TEST(CVoidList, CopyOwnsNewNodesAndKeepsTheCursor) {
     EXPECT_EQ(copy.GetCount(), 2);
 }
 
-TEST(LinkNode, ChainsByHand) {
-    LinkNode a, b;
-    EXPECT_EQ(a.GetNext(), nullptr);
-    a.SetNext(&b);
-    EXPECT_EQ(a.GetNext(), &b);
-}
-
 }  // namespace
 }  // namespace basicutils

@@ -1,3 +1,4 @@
+#include <basicutils/containers/ArrayContents_test.h>
 #include <basicutils/containers/Handle.h>
 #include <basicutils/containers/LArray.h>
 #include <basicutils/containers/LList.h>
@@ -24,19 +25,8 @@ class ArrayProbe : public LArray {
   bool OwnsComparator() const { return mOwnsComparator; }
 };
 
-std::vector<int32_t> Contents(const LArray& array) {
-  std::vector<int32_t> out;
-  for (int32_t i = 1; i <= static_cast<int32_t>(array.GetCount()); ++i) {
-    int32_t v = 0;
-    array.FetchItemAt(i, &v);
-    out.push_back(v);
-  }
-  return out;
-}
-
-void Fill(LArray& array, std::initializer_list<int32_t> values) {
-  for (int32_t v : values) array.InsertItemsAt(1, kLastIndex, &v, 0);
-}
+using test::Contents;
+using test::Fill;
 
 // The growth rule: one spare item beyond each growth, slack kept on removal.
 TEST(LArrayAllocation, FollowsTheOneSpareItemGrowthRule) {
@@ -322,13 +312,6 @@ TEST(LList, PointerItemsAndSetItemAt) {
   EXPECT_EQ(list.FetchIndexOf(&pb, 0), 0);
   list.Remove(&pc, 0);
   EXPECT_EQ(list.GetCount(), 2u);
-
-  struct Probe : LList {
-    using LList::LList;
-    uint32_t Allocated() const { return mAllocatedBytes; }
-  } reserved(12, 10);
-  EXPECT_EQ(reserved.Allocated(), 120u);
-  EXPECT_EQ(reserved.GetCount(), 0u);
 }
 
 TEST(LArrayComparators, DefaultsFollowItemSize) {
