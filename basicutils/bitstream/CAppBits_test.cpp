@@ -29,24 +29,6 @@ void ReferenceWrite(Bytes& buf, int64_t pos, uint32_t value, int n) {
     }
 }
 
-struct BitsProbe : CAppBits {
-    static bool Initialized() { return sByteMasksInitialized; }
-    static unsigned First(int n, int o) { return sFirstByteMasks[n][o]; }
-    static unsigned Second(int n, int o) { return sSecondByteMasks[n][o]; }
-};
-
-TEST(CAppBits, MaskTablesAreBuiltAtLoad) {
-    ASSERT_TRUE(BitsProbe::Initialized());
-    for (int n = 0; n <= 8; ++n)
-        for (int o = 0; o < 8; ++o) {
-            unsigned word = n == 0 ? 0 : (0xFFFFu << (16 - n) & 0xFFFFu) >> o;
-            EXPECT_EQ(BitsProbe::First(n, o), word >> 8);
-            EXPECT_EQ(BitsProbe::Second(n, o), word & 0xFF);
-        }
-    EXPECT_EQ(BitsProbe::First(3, 6), 0x03u);
-    EXPECT_EQ(BitsProbe::Second(3, 6), 0x80u);
-}
-
 // Every offset 0..7 and width 0..32, with plenty of bytes left (64-bit
 // load), a few (mask tables) and exactly those the field needs (byte loop,
 // five bytes for 32 bits off a boundary). The buffer is cut there, so a
