@@ -1,10 +1,8 @@
 // Runs the built tool's `bits` and `bytes` commands on files written to a
 // temporary folder, and checks their output, messages and exit status.
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -32,14 +30,11 @@ protected:
     }
     void TearDown() override { fs::remove_all(mDir); }
 
-    std::string Write(const std::string& name, const std::vector<unsigned char>& bytes) {
-        std::ofstream out(mDir / name, std::ios::binary);
-        out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-        return (mDir / name).string();
+    void Write(const std::string& name, const std::vector<unsigned char>& bytes) {
+        std::ofstream(mDir / name, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     }
     std::string PathOf(const std::string& name) const { return (mDir / name).string(); }
-
-    ToolRun Tool(const std::vector<std::string>& args) { return RunTool(args); }
 
     fs::path mDir;
 };
@@ -68,7 +63,7 @@ TEST_F(BitsCommandTest, FieldsAndNumbersPrintDecimalAndHex) {
     for (const auto& [args, out] : cases) {
         std::vector<std::string> full = args;
         full.insert(full.begin() + 1, PathOf("clip.m2v"));
-        ToolRun r = Tool(full);
+        ToolRun r = RunTool(full);
         EXPECT_EQ(r.status, 0) << r.err;
         EXPECT_EQ(r.out, out) << args[0] << " " << args[1];
         EXPECT_EQ(r.err, "");
@@ -107,7 +102,7 @@ TEST_F(BitsCommandTest, BadInputIsRefusedWithAMessageNotACrash) {
         {{"bytes", PathOf("empty.bin"), "--at", "1"}, 1, "beyond the end"},
     };
     for (const Case& c : cases) {
-        ToolRun r = Tool(c.args);
+        ToolRun r = RunTool(c.args);
         std::string shown;
         for (const auto& a : c.args) shown += a + " ";
         EXPECT_EQ(r.status, c.status) << shown << "\n" << r.err;
