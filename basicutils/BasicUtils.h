@@ -12,6 +12,7 @@
 
 // platform: the thin layer over the operating system.
 // (platform headers are listed here only where clients use them directly)
+#include <basicutils/platform/Console.h>
 #include <basicutils/platform/MessageQueue.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>

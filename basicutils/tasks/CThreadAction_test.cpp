@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <poll.h>
-
 #include <algorithm>
 #include <thread>
 
@@ -187,12 +185,11 @@ TEST(Dispatcher, TaskEndsSurviveTheDispatcher) {
     CThreadDispatcher::GetThreadDispatcher();
     auto* queued = new LoggedTask(&log, "queued", true);
     queued->Execute();
-    ASSERT_TRUE(PumpUntil([&] { return log.Has("run", "queued"); }));
-    // Its end is posted by the worker; wait until it waits in the queue.
-    ASSERT_TRUE(PumpUntil([&] {
-        pollfd p{GetMessageQueueFd(), POLLIN, 0};
-        return log.Has("deleted", "queued") || ::poll(&p, 1, 0) == 1;
-    }));
+    // Wait, without pumping, until its end (1314) waits in the queue.
+    MSG waiting;
+    for (int i = 0; i < 60000 && !PeekMessageW(&waiting, nullptr, 0, 0, PM_NOREMOVE); ++i) Sleep(1);
+    ASSERT_EQ(waiting.message, kWmThreadFinished);
+    EXPECT_FALSE(log.Has("deleted", "queued"));
     CThreadDispatcher::DeleteAll();
     EXPECT_TRUE(log.Has("deleted", "queued"));
 

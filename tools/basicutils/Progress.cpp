@@ -1,8 +1,6 @@
 // Terminal progress line and report printing.
 #include "Progress.h"
 
-#include <unistd.h>
-
 #include <vector>
 
 namespace basicutils_tool {
@@ -18,7 +16,7 @@ std::string ToUtf8(const char16_t* text) {
 }
 
 ProgressDisplay::ProgressDisplay(std::FILE* out, int barWidth)
-    : mOut(out), mBarWidth(barWidth), mTerminal(out && isatty(fileno(out))) {}
+    : mOut(out), mBarWidth(barWidth), mTerminal(IsTerminal(out)) {}
 
 ProgressDisplay::~ProgressDisplay() { Detach(); }
 

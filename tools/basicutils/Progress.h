@@ -13,6 +13,7 @@
 #pragma once
 
 #include <basicutils/BasicUtils.h>
+#include <basicutils/platform/Console.h>
 
 #include <cstdint>
 #include <cstdio>

@@ -1,9 +1,8 @@
 // A real background task, run the way an application hosts the library:
 // the task checksums generated data on a worker thread and reports its
-// progress; the main thread waits on the message queue's descriptor with
-// poll and pumps, so that the task's end comes back to it.
-#include <poll.h>
-
+// progress; the main thread waits for its message queue and pumps, so that
+// the task's end comes back to it. (An application with its own event loop
+// would watch GetMessageQueueFd() instead.)
 #include <atomic>
 #include <cstdio>
 #include <vector>
@@ -77,11 +76,7 @@ int RunTaskExample(int megabytes) {
 
     std::atomic<bool> ended{false};
     (new ChecksumTask(megabytes, &ended))->Execute();
-    const int fd = GetMessageQueueFd();
-    while (!ended) {
-        pollfd p{fd, POLLIN, 0};
-        if (::poll(&p, 1, 200) > 0) PumpMessages(0);
-    }
+    while (!ended) PumpMessages(200);
     reports.Detach();
     progress.Detach();
     return 0;
