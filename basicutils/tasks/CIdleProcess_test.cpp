@@ -60,21 +60,5 @@ TEST(CIdleProcesses, DestroyingTheListDeletesWithoutRunning) {
     EXPECT_EQ(gRan, "~");
 }
 
-TEST(MVelmorantTaskBase, FlagsAreSharedByPointer) {
-    MVelmorantTaskBase base;
-    EXPECT_FALSE(base.IsStop());
-    bool stop = false, canKill = true;
-    base.SetStopFlagPtr(&stop);
-    base.SetCanKillPtr(&canKill);
-    MVelmorantTaskBase copy(base);
-    stop = true;
-    EXPECT_TRUE(base.IsStop());
-    EXPECT_TRUE(copy.IsStop());
-    stop = false;
-    EXPECT_FALSE(copy.IsStop());
-    EXPECT_EQ(copy.GetCanKillPtr(), &canKill);
-    EXPECT_EQ(copy.GetStopFlagPtr(), &stop);
-}
-
 }  // namespace
 }  // namespace basicutils

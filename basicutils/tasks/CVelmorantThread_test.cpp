@@ -146,33 +146,6 @@ TEST_F(TaskLife, ThreadThatCannotBeCreatedEndsTheTaskAndSaysSo) {
     EXPECT_TRUE(mLog.Has("run", "f2")) << "the next task of the class was not held up";
 }
 
-class Killable : public LoggedTask {
-public:
-    using LoggedTask::LoggedTask;
-    int kills = 0;
-    bool answer = false;
-    bool KillSelf() override {
-        ++kills;
-        return answer;
-    }
-};
-
-TEST_F(TaskLife, KillAsksUntilAcceptedAndOnlyWhenAllowed) {
-    Killable task(&mLog, "k", false, false);
-    task.mCanKill = false;
-    task.Kill();
-    EXPECT_EQ(task.kills, 0);
-    task.mCanKill = true;
-    task.Kill();
-    EXPECT_EQ(task.kills, 1);
-    EXPECT_FALSE(task.IsCanceled());
-    task.answer = true;
-    task.Kill();
-    task.Kill();
-    EXPECT_EQ(task.kills, 2) << "a canceled task isn't asked again";
-    EXPECT_TRUE(task.IsCanceled());
-}
-
 // Spins without looking at any flag: only real suspension stops it.
 class Spinner : public LoggedTask {
 public:
