@@ -101,7 +101,10 @@ int RunExample() {
     ShowTimecodes();
     ShowLists();
     ShowStrings();
-    return 0;
+    std::printf("A background task: Execute on a worker thread, progress through\n"
+                "CThreadStatus, the end carried back to this (the main) thread's queue\n");
+    std::fflush(stdout);
+    return RunTaskExample();
 }
 
 }  // namespace basicutils_tool
