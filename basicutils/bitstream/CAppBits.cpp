@@ -13,7 +13,7 @@ unsigned char CAppBits::sRemainingBitsMasks[8] = {};
 namespace {
 
 // Bytes a field of n bits at offset o covers.
-inline int BytesCovered(int offset, int n) { return (offset + n + 7) >> 3; }
+[[maybe_unused]] inline int BytesCovered(int offset, int n) { return (offset + n + 7) >> 3; }
 
 }  // namespace
 
