@@ -12,40 +12,40 @@
 
 // platform: the thin layer over the operating system.
 // (platform headers are listed here only where clients use them directly)
+#include <basicutils/platform/CodePage.h>
 #include <basicutils/platform/Console.h>
+#include <basicutils/platform/Errors.h>
 #include <basicutils/platform/MessageQueue.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
 #include <basicutils/platform/WinThread.h>
-#include <basicutils/platform/CodePage.h>
-#include <basicutils/platform/Errors.h>
 
 // text
-#include <basicutils/text/WideString.h>
+#include <basicutils/text/CStringExtract.h>
+#include <basicutils/text/CaseCompare.h>
 #include <basicutils/text/MString.h>
 #include <basicutils/text/MStringArray.h>
 #include <basicutils/text/MStringList.h>
 #include <basicutils/text/UStringUtils.h>
-#include <basicutils/text/CStringExtract.h>
-#include <basicutils/text/CaseCompare.h>
+#include <basicutils/text/WideString.h>
 // containers
+#include <basicutils/containers/CVoidList.h>
 #include <basicutils/containers/Handle.h>
 #include <basicutils/containers/LArray.h>
 #include <basicutils/containers/LArrayIterator.h>
 #include <basicutils/containers/LComparator.h>
 #include <basicutils/containers/LList.h>
-#include <basicutils/containers/UMemUtils.h>
 #include <basicutils/containers/MemoryBlocks.h>
-#include <basicutils/containers/CVoidList.h>
+#include <basicutils/containers/UMemUtils.h>
 // messaging
-#include <basicutils/messaging/LBroadcaster.h>
-#include <basicutils/messaging/LNotifier.h>
 #include <basicutils/messaging/CMessageAction.h>
 #include <basicutils/messaging/CThreadStatus.h>
+#include <basicutils/messaging/LBroadcaster.h>
+#include <basicutils/messaging/LNotifier.h>
 // time
 #include <basicutils/time/CDateTime.h>
-#include <basicutils/time/CTimecode.h>
 #include <basicutils/time/CDuration.h>
+#include <basicutils/time/CTimecode.h>
 #include <basicutils/time/CTimecodeList.h>
 #include <basicutils/time/CTimecodeParser.h>
 // bitstream
@@ -54,11 +54,11 @@
 #include <basicutils/bitstream/CAppBytes.h>
 // files
 // tasks
-#include <basicutils/tasks/CVelmorantThread.h>
+#include <basicutils/tasks/CIdleProcess.h>
 #include <basicutils/tasks/CThreadAction.h>
+#include <basicutils/tasks/CVelmorantThread.h>
 #include <basicutils/tasks/CVelmorantWinThread.h>
 #include <basicutils/tasks/StGlobalLock.h>
-#include <basicutils/tasks/CIdleProcess.h>
 // undo
 #include <basicutils/undo/COperation.h>
 // script

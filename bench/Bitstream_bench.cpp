@@ -7,6 +7,7 @@
 //   ToString10       against std::to_chars (alone, and with the same
 //                    allocation ToString10 makes).
 //   Swaps            UByteSwapper and GetMB32 against __builtin_bswap.
+#include <basicutils/BasicUtils.h>
 #include <benchmark/benchmark.h>
 
 #include <charconv>
@@ -15,8 +16,6 @@
 #include <new>
 #include <random>
 #include <vector>
-
-#include <basicutils/BasicUtils.h>
 
 namespace {
 
@@ -91,7 +90,8 @@ void BM_GetBits_Classic64(benchmark::State& state) {
     uint32_t sum = 0;
     for (auto _ : state) {
         if (static_cast<int64_t>(reader.pos) > kRestartBit) reader.pos = 0;
-        for (int i = 0; i < kBatch; ++i) sum += reader.Get(widths[static_cast<size_t>(i & (kWidthCount - 1))]);
+        for (int i = 0; i < kBatch; ++i)
+            sum += reader.Get(widths[static_cast<size_t>(i & (kWidthCount - 1))]);
         benchmark::DoNotOptimize(sum);
     }
     state.SetItemsProcessed(state.iterations() * kBatch);
@@ -184,10 +184,18 @@ void BM_SwapValues(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kWords));
 }
 
-uint32_t Builtin32(uint32_t x) { return __builtin_bswap32(x); }
-uint64_t Builtin64(uint64_t x) { return __builtin_bswap64(x); }
-int64_t LibrarySwapLongLong(int64_t x) { return UByteSwapper::SwapLongLong(x); }
-uint32_t LibrarySwapLong(uint32_t x) { return UByteSwapper::SwapLong(x); }
+uint32_t Builtin32(uint32_t x) {
+    return __builtin_bswap32(x);
+}
+uint64_t Builtin64(uint64_t x) {
+    return __builtin_bswap64(x);
+}
+int64_t LibrarySwapLongLong(int64_t x) {
+    return UByteSwapper::SwapLongLong(x);
+}
+uint32_t LibrarySwapLong(uint32_t x) {
+    return UByteSwapper::SwapLong(x);
+}
 
 // In place over an array of doubles, against the same with the builtin.
 template <bool kLibrary>

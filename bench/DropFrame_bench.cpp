@@ -5,7 +5,6 @@
 // split of the same text into four numbers.
 #include <basicutils/time/CTimecode.h>
 #include <basicutils/time/CTimecodeParser.h>
-
 #include <benchmark/benchmark.h>
 
 #include <cstdint>

@@ -6,6 +6,9 @@
 // std::codecvt<char16_t, char8_t> and a plain byte loop. Buffers are reused
 // so that page faults are not measured. Then wcslen and wcscmp against
 // std::char_traits<char16_t>.
+#include <basicutils/platform/CodePage.h>
+#include <basicutils/text/MString.h>
+#include <basicutils/text/WideString.h>
 #include <benchmark/benchmark.h>
 
 #include <cstring>
@@ -13,10 +16,6 @@
 #include <locale>
 #include <string>
 #include <vector>
-
-#include <basicutils/platform/CodePage.h>
-#include <basicutils/text/MString.h>
-#include <basicutils/text/WideString.h>
 
 using namespace basicutils;
 
@@ -27,8 +26,14 @@ constexpr size_t kMegabyte = 1 << 20;
 const std::string& Utf8Text() {
     static const std::string text = [] {
         std::string t;
-        const char* words[] = {"chapter ", "r\xC3\xA9sum\xC3\xA9 ", "menu_01 ", "caf\xC3\xA9 ",
-                               "title ",   ("\xE2\x82\xAC" "12 "), "angle\n"};
+        const char* words[] = {"chapter ",
+                               "r\xC3\xA9sum\xC3\xA9 ",
+                               "menu_01 ",
+                               "caf\xC3\xA9 ",
+                               "title ",
+                               ("\xE2\x82\xAC"
+                                "12 "),
+                               "angle\n"};
         for (size_t i = 0; t.size() < kMegabyte; ++i) t += words[i % 7];
         return t;
     }();

@@ -1,11 +1,10 @@
 // The cost of a broadcast per listener call, against the plain alternative:
 // a loop of virtual calls over a std::vector of the same listeners.
 #include <basicutils/messaging/LBroadcaster.h>
+#include <benchmark/benchmark.h>
 
 #include <memory>
 #include <vector>
-
-#include <benchmark/benchmark.h>
 
 namespace {
 

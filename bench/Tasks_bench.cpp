@@ -11,14 +11,13 @@
 //   StdThreadEndToJoin       from the thread's last statement to join's return.
 //   ErrorReport/N            CMessageAction::Error with N listeners.
 //   VirtualCallLoop/N        the alternative: N virtual calls through a vector.
+#include <basicutils/BasicUtils.h>
 #include <benchmark/benchmark.h>
 
 #include <atomic>
 #include <chrono>
 #include <thread>
 #include <vector>
-
-#include <basicutils/BasicUtils.h>
 
 namespace {
 
@@ -32,7 +31,7 @@ struct Shared {
 };
 
 class EmptyTask : public CVelmorantThread {
-public:
+  public:
     explicit EmptyTask(Shared* shared, bool single = false) : mShared(shared) {
         SetWorkerThread(true);
         mSingleRun = single;
@@ -43,7 +42,7 @@ public:
         mShared->latency = std::chrono::duration<double>(Clock::now() - mShared->runEnd).count();
     }
 
-private:
+  private:
     Shared* mShared;
 };
 
@@ -112,7 +111,7 @@ void StdThreadEndToJoin(benchmark::State& state) {
 BENCHMARK(StdThreadEndToJoin)->UseManualTime();
 
 class NullListener : public LListener {
-public:
+  public:
     bool ListenToMessage(int32_t message, void* param) override {
         benchmark::DoNotOptimize(message);
         benchmark::DoNotOptimize(param);

@@ -2,10 +2,9 @@
 // arithmetic written directly on integers, which is what a caller without
 // the class would write.
 #include <basicutils/time/CTimecode.h>
+#include <benchmark/benchmark.h>
 
 #include <cstdint>
-
-#include <benchmark/benchmark.h>
 
 namespace {
 
@@ -46,7 +45,8 @@ void BM_PlainIntegerAdd(benchmark::State& state) {
     uint32_t h = 1, m = 23, s = 45, f = 12, h2 = 0, m2 = 0, s2 = 1, f2 = 17, rate = 30;
     for (auto _ : state) {
         benchmark::DoNotOptimize(h);
-        uint32_t count = ((h * 60 + m) * 60 + s) * rate + f + ((h2 * 60 + m2) * 60 + s2) * rate + f2;
+        uint32_t count =
+            ((h * 60 + m) * 60 + s) * rate + f + ((h2 * 60 + m2) * 60 + s2) * rate + f2;
         uint32_t seconds = count / rate;
         uint32_t out[4] = {seconds / 3600, seconds / 60 % 60, seconds % 60, count % rate};
         benchmark::DoNotOptimize(out);

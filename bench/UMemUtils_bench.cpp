@@ -3,7 +3,6 @@
 // 1..7 destination off by that many bytes, 8 overlapping with the
 // destination 5 bytes ahead of the source, 9 overlapping 5 bytes behind.
 #include <basicutils/containers/UMemUtils.h>
-
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
@@ -16,79 +15,81 @@ constexpr size_t kMaxSize = size_t{64} << 20;
 // One pair of buffers for the whole run, touched once so no page faults
 // fall inside a measurement.
 struct Buffers {
-  char* src;
-  char* dst;
-  Buffers() {
-    src = static_cast<char*>(std::aligned_alloc(64, kMaxSize + 4096));
-    dst = static_cast<char*>(std::aligned_alloc(64, kMaxSize + 4096));
-    std::memset(src, 1, kMaxSize + 4096);
-    std::memset(dst, 2, kMaxSize + 4096);
-  }
+    char* src;
+    char* dst;
+    Buffers() {
+        src = static_cast<char*>(std::aligned_alloc(64, kMaxSize + 4096));
+        dst = static_cast<char*>(std::aligned_alloc(64, kMaxSize + 4096));
+        std::memset(src, 1, kMaxSize + 4096);
+        std::memset(dst, 2, kMaxSize + 4096);
+    }
 };
 
 Buffers& Get() {
-  static Buffers buffers;
-  return buffers;
+    static Buffers buffers;
+    return buffers;
 }
 
 void Pick(int mode, char*& d, const char*& s) {
-  Buffers& b = Get();
-  if (mode == 8) {
-    s = b.src + 64;
-    d = b.src + 64 + 5;
-  } else if (mode == 9) {
-    s = b.src + 64 + 5;
-    d = b.src + 64;
-  } else {
-    s = b.src + 64;
-    d = b.dst + 64 + mode;
-  }
+    Buffers& b = Get();
+    if (mode == 8) {
+        s = b.src + 64;
+        d = b.src + 64 + 5;
+    } else if (mode == 9) {
+        s = b.src + 64 + 5;
+        d = b.src + 64;
+    } else {
+        s = b.src + 64;
+        d = b.dst + 64 + mode;
+    }
 }
 
 template <bool kOurs>
 void BM_Copy(benchmark::State& state) {
-  const auto size = static_cast<size_t>(state.range(0));
-  char* d;
-  const char* s;
-  Pick(static_cast<int>(state.range(1)), d, s);
-  for (auto _ : state) {
-    if constexpr (kOurs) {
-      basicutils::UMemUtils::memcpy(d, s, static_cast<unsigned>(size));
-    } else {
-      std::memmove(d, s, size);
+    const auto size = static_cast<size_t>(state.range(0));
+    char* d;
+    const char* s;
+    Pick(static_cast<int>(state.range(1)), d, s);
+    for (auto _ : state) {
+        if constexpr (kOurs) {
+            basicutils::UMemUtils::memcpy(d, s, static_cast<unsigned>(size));
+        } else {
+            std::memmove(d, s, size);
+        }
+        benchmark::DoNotOptimize(d);
+        benchmark::ClobberMemory();
     }
-    benchmark::DoNotOptimize(d);
-    benchmark::ClobberMemory();
-  }
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(size));
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(size));
 }
 
 template <bool kOurs>
 void BM_Fill(benchmark::State& state) {
-  const auto size = static_cast<size_t>(state.range(0));
-  char* d = Get().dst + 64 + state.range(1);
-  for (auto _ : state) {
-    if constexpr (kOurs) {
-      basicutils::UMemUtils::memset(d, 0x5A, static_cast<unsigned>(size));
-    } else {
-      std::memset(d, 0x5A, size);
+    const auto size = static_cast<size_t>(state.range(0));
+    char* d = Get().dst + 64 + state.range(1);
+    for (auto _ : state) {
+        if constexpr (kOurs) {
+            basicutils::UMemUtils::memset(d, 0x5A, static_cast<unsigned>(size));
+        } else {
+            std::memset(d, 0x5A, size);
+        }
+        benchmark::DoNotOptimize(d);
+        benchmark::ClobberMemory();
     }
-    benchmark::DoNotOptimize(d);
-    benchmark::ClobberMemory();
-  }
-  state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(size));
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(size));
 }
 
 void CopyArgs(benchmark::internal::Benchmark* b) {
-  for (int mode : {0, 3, 8}) {
-    for (int64_t size = 16; size <= static_cast<int64_t>(kMaxSize); size *= 4) b->Args({size, mode});
-  }
+    for (int mode : {0, 3, 8}) {
+        for (int64_t size = 16; size <= static_cast<int64_t>(kMaxSize); size *= 4)
+            b->Args({size, mode});
+    }
 }
 
 void FillArgs(benchmark::internal::Benchmark* b) {
-  for (int mode : {0, 3}) {
-    for (int64_t size = 16; size <= static_cast<int64_t>(kMaxSize); size *= 4) b->Args({size, mode});
-  }
+    for (int mode : {0, 3}) {
+        for (int64_t size = 16; size <= static_cast<int64_t>(kMaxSize); size *= 4)
+            b->Args({size, mode});
+    }
 }
 
 }  // namespace

@@ -5,14 +5,14 @@
 // Input: one byte for the buffer size (1..64), that many bytes of initial
 // contents, then operations of 6 bytes each: kind, width, 4 bytes of value
 // (or position).
+#include <basicutils/bitstream/CAppBits.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <vector>
-
-#include <basicutils/bitstream/CAppBits.h>
 
 namespace {
 
@@ -39,7 +39,8 @@ struct Model {
     // int and also sets the bits before it in that byte.
     void Write(int64_t pos, uint32_t value, int n) {
         if (n == 32 && (value >> 31) != 0 && (pos & 7) != 0)
-            bytes[static_cast<size_t>(pos >> 3)] |= static_cast<unsigned char>(~(0xFFu >> (pos & 7)));
+            bytes[static_cast<size_t>(pos >> 3)] |=
+                static_cast<unsigned char>(~(0xFFu >> (pos & 7)));
         for (int i = 0; i < n; ++i) {
             int64_t bit = pos + i;
             unsigned char& b = bytes[static_cast<size_t>(bit >> 3)];
@@ -95,7 +96,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             }
             case 2:  // sequential read, consuming
                 if (pos + n > totalBits) n = static_cast<int>(totalBits - pos);
-                Check(static_cast<uint32_t>(cursor.GetBits(n, basicutils::kCBitsConsume)) == model.Read(pos, n));
+                Check(static_cast<uint32_t>(cursor.GetBits(n, basicutils::kCBitsConsume)) ==
+                      model.Read(pos, n));
                 pos += n;
                 break;
             case 3: {  // show: both forms agree and the cursor stays
@@ -107,7 +109,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             }
             case 4:  // positioned read
                 if (at + n > totalBits) n = static_cast<int>(totalBits - at);
-                Check(static_cast<uint32_t>(cursor.GetBitsAt(static_cast<int>(at), n)) == model.Read(at, n));
+                Check(static_cast<uint32_t>(cursor.GetBitsAt(static_cast<int>(at), n)) ==
+                      model.Read(at, n));
                 pos = at + n;
                 break;
             default:  // skip forward

@@ -26,9 +26,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // The model: frames behind the last ';' (else ':'), then seconds and
     // minutes behind each further ':', the rest the hours.
     bool semicolon = text.find(u';') != text.npos;
-    CHECK(parser.GetFrameType() == (keep ? basicutils::kFrameType24
-                                         : semicolon ? basicutils::kFrameType25
-                                                     : basicutils::kFrameType30));
+    CHECK(parser.GetFrameType() == (keep        ? basicutils::kFrameType24
+                                    : semicolon ? basicutils::kFrameType25
+                                                : basicutils::kFrameType30));
     std::u16string_view rest(text);
     size_t cut = semicolon ? rest.rfind(u';') : rest.rfind(u':');
     uint16_t expected[4] = {0, 0, 0, 0};  // frame, second, minute, hour

@@ -11,7 +11,9 @@ using basicutils::CVoidList;
 namespace {
 
 int gSlots[9];
-void* Ptr(int id) { return id ? &gSlots[id] : nullptr; }
+void* Ptr(int id) {
+    return id ? &gSlots[id] : nullptr;
+}
 
 #define CHECK(c) \
     if (!(c)) std::abort()
@@ -136,12 +138,24 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                 CHECK(got == expect);
                 break;
             }
-            case 4: CHECK(list.GetHead() == Ptr(m.Head())); break;
-            case 5: CHECK(list.GetTail() == Ptr(m.Tail())); break;
-            case 6: CHECK(list.GetAt(p) == Ptr(m.GetAt(p))); break;
-            case 7: CHECK(list.GetCurrent() == Ptr(m.Current())); break;
-            case 8: CHECK(list.GetNext() == Ptr(m.Next())); break;
-            case 9: CHECK(list.GetPrev() == Ptr(m.Prev())); break;
+            case 4:
+                CHECK(list.GetHead() == Ptr(m.Head()));
+                break;
+            case 5:
+                CHECK(list.GetTail() == Ptr(m.Tail()));
+                break;
+            case 6:
+                CHECK(list.GetAt(p) == Ptr(m.GetAt(p)));
+                break;
+            case 7:
+                CHECK(list.GetCurrent() == Ptr(m.Current()));
+                break;
+            case 8:
+                CHECK(list.GetNext() == Ptr(m.Next()));
+                break;
+            case 9:
+                CHECK(list.GetPrev() == Ptr(m.Prev()));
+                break;
             case 10: {
                 int at = m.Find(arg);
                 int expect = 0;
@@ -172,8 +186,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                 CHECK(list.GetPrev(e) == Ptr(expect));
                 break;
             }
-            case 12: CHECK(list.ViewHead() == Ptr(m.At(0))); break;
-            case 13: CHECK(list.ViewTail() == Ptr(m.At(m.Size() - 1))); break;
+            case 12:
+                CHECK(list.ViewHead() == Ptr(m.At(0)));
+                break;
+            case 13:
+                CHECK(list.ViewTail() == Ptr(m.At(m.Size() - 1)));
+                break;
             case 14:
             case 15: {
                 int step = op == 14 ? 1 : -1;
@@ -221,7 +239,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                 m.pos = 0;
                 CHECK(target.GetCount() == m.Size());
                 int k = 0;
-                for (void* x = target.GetHead(); x; x = target.GetNext()) CHECK(x == Ptr(m.At(k++)));
+                for (void* x = target.GetHead(); x; x = target.GetNext())
+                    CHECK(x == Ptr(m.At(k++)));
                 CHECK(k == m.Size());
                 break;
             }

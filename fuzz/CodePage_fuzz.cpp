@@ -12,15 +12,15 @@
 //   surrogates replaced by U+FFFD;
 // - Mac Roman bytes survive a round trip;
 // - MString::ImportASCII / ExportASCII agree with the direct calls.
+#include <basicutils/platform/CodePage.h>
+#include <basicutils/platform/Errors.h>
+#include <basicutils/text/MString.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <vector>
-
-#include <basicutils/platform/CodePage.h>
-#include <basicutils/platform/Errors.h>
-#include <basicutils/text/MString.h>
 
 using namespace basicutils;
 

@@ -4,13 +4,13 @@
 // (0 without one), GetString copies exactly the text before that quote, the
 // 8-bit and 16-bit forms agree, and walking a line piece by piece visits the
 // same pieces as splitting it at every quote.
+#include <basicutils/text/CStringExtract.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <vector>
-
-#include <basicutils/text/CStringExtract.h>
 
 using namespace basicutils;
 

@@ -1,6 +1,8 @@
 // ToCLongLong against a reference built another way (digits filtered out,
 // then parsed 18 at a time with std::from_chars and combined modulo 2^64),
 // and ToString10 round trips against std::to_chars.
+#include <basicutils/bitstream/ByteOrder.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
@@ -9,8 +11,6 @@
 #include <cstring>
 #include <new>
 #include <string>
-
-#include <basicutils/bitstream/ByteOrder.h>
 
 namespace {
 
@@ -50,7 +50,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // The text stops at the first NUL, as the reader's contract says.
     std::string text(reinterpret_cast<const char*>(data), size);
     text = text.c_str();
-    const int64_t parsed = basicutils::ToCLongLong(reinterpret_cast<const unsigned char*>(text.c_str()));
+    const int64_t parsed =
+        basicutils::ToCLongLong(reinterpret_cast<const unsigned char*>(text.c_str()));
     Check(static_cast<uint64_t>(parsed) == ReferenceDigits(text));
     CheckToString10(parsed);
     if (size >= 8) {

@@ -27,11 +27,11 @@
 // the caller frees it with ::operator delete.
 #pragma once
 
+#include <basicutils/Export.h>
+
 #include <bit>
 #include <cstdint>
 #include <cstring>
-
-#include <basicutils/Export.h>
 
 namespace basicutils {
 
@@ -49,9 +49,15 @@ inline void StoreBytes(void* p, T v) {
     std::memcpy(p, &v, sizeof v);
 }
 
-inline uint16_t Reverse16(uint16_t v) { return __builtin_bswap16(v); }
-inline uint32_t Reverse32(uint32_t v) { return __builtin_bswap32(v); }
-inline uint64_t Reverse64(uint64_t v) { return __builtin_bswap64(v); }
+inline uint16_t Reverse16(uint16_t v) {
+    return __builtin_bswap16(v);
+}
+inline uint32_t Reverse32(uint32_t v) {
+    return __builtin_bswap32(v);
+}
+inline uint64_t Reverse64(uint64_t v) {
+    return __builtin_bswap64(v);
+}
 
 // The named orders are defined on the bytes; the host's own order enters
 // only here.
@@ -73,29 +79,43 @@ inline uint16_t LoadLB16(const void* p) {
     uint16_t v = LoadBytes<uint16_t>(p);
     return kHostIsBig ? Reverse16(v) : v;
 }
-inline void StoreMB32(void* p, uint32_t v) { StoreBytes(p, kHostIsBig ? v : Reverse32(v)); }
-inline void StoreMB16(void* p, uint16_t v) { StoreBytes(p, kHostIsBig ? v : Reverse16(v)); }
-inline void StoreLB32(void* p, uint32_t v) { StoreBytes(p, kHostIsBig ? Reverse32(v) : v); }
-inline void StoreLB16(void* p, uint16_t v) { StoreBytes(p, kHostIsBig ? Reverse16(v) : v); }
+inline void StoreMB32(void* p, uint32_t v) {
+    StoreBytes(p, kHostIsBig ? v : Reverse32(v));
+}
+inline void StoreMB16(void* p, uint16_t v) {
+    StoreBytes(p, kHostIsBig ? v : Reverse16(v));
+}
+inline void StoreLB32(void* p, uint32_t v) {
+    StoreBytes(p, kHostIsBig ? Reverse32(v) : v);
+}
+inline void StoreLB16(void* p, uint16_t v) {
+    StoreBytes(p, kHostIsBig ? Reverse16(v) : v);
+}
 
 }  // namespace detail::order
 
 class BASICUTILS_EXPORT UByteSwapper {
-public:
-    static void Swap(int16_t* value) { *value = static_cast<int16_t>(detail::order::Reverse16(static_cast<uint16_t>(*value))); }
+  public:
+    static void Swap(int16_t* value) {
+        *value = static_cast<int16_t>(detail::order::Reverse16(static_cast<uint16_t>(*value)));
+    }
     static void Swap(uint16_t* value) { *value = detail::order::Reverse16(*value); }
-    static void Swap(int32_t* value) { *value = static_cast<int32_t>(detail::order::Reverse32(static_cast<uint32_t>(*value))); }
+    static void Swap(int32_t* value) {
+        *value = static_cast<int32_t>(detail::order::Reverse32(static_cast<uint32_t>(*value)));
+    }
     static void Swap(uint32_t* value) { *value = detail::order::Reverse32(*value); }
     static void Swap(float* value) {
         static_assert(sizeof(float) == 4);
-        detail::order::StoreBytes(value, detail::order::Reverse32(detail::order::LoadBytes<uint32_t>(value)));
+        detail::order::StoreBytes(
+            value, detail::order::Reverse32(detail::order::LoadBytes<uint32_t>(value)));
     }
     static void Swap(int32_t& value) { Swap(&value); }
     static void Swap(uint32_t& value) { Swap(&value); }
     static void Swap(float& value) { Swap(&value); }
     static void Swap(double* value) {
         static_assert(sizeof(double) == 8);
-        detail::order::StoreBytes(value, detail::order::Reverse64(detail::order::LoadBytes<uint64_t>(value)));
+        detail::order::StoreBytes(
+            value, detail::order::Reverse64(detail::order::LoadBytes<uint64_t>(value)));
     }
     // The operand's significant bytes are reversed and nothing outside it
     // is touched. Where long double is the x87 80-bit extended type (x86
@@ -119,18 +139,30 @@ public:
     static void SwapShort(unsigned char* buffer, int16_t length);
 
     // Read 4 or 2 bytes at the pointer, reversed; the buffer is unchanged.
-    static uint32_t SwapUL(const char* buffer) { return detail::order::Reverse32(detail::order::LoadBytes<uint32_t>(buffer)); }
+    static uint32_t SwapUL(const char* buffer) {
+        return detail::order::Reverse32(detail::order::LoadBytes<uint32_t>(buffer));
+    }
     static int32_t SwapSL(const char* buffer) { return static_cast<int32_t>(SwapUL(buffer)); }
-    static uint16_t SwapUS(const char* buffer) { return detail::order::Reverse16(detail::order::LoadBytes<uint16_t>(buffer)); }
+    static uint16_t SwapUS(const char* buffer) {
+        return detail::order::Reverse16(detail::order::LoadBytes<uint16_t>(buffer));
+    }
     static int16_t SwapSS(const char* buffer) { return static_cast<int16_t>(SwapUS(buffer)); }
 
     // Write the bytes of value to the pointer, reversed.
-    static void SwapToBuf(uint32_t value, char* buffer) { detail::order::StoreBytes(buffer, detail::order::Reverse32(value)); }
-    static void SwapToBuf(int32_t value, char* buffer) { SwapToBuf(static_cast<uint32_t>(value), buffer); }
-    static void SwapToBuf(uint16_t value, char* buffer) { detail::order::StoreBytes(buffer, detail::order::Reverse16(value)); }
-    static void SwapToBuf(int16_t value, char* buffer) { SwapToBuf(static_cast<uint16_t>(value), buffer); }
+    static void SwapToBuf(uint32_t value, char* buffer) {
+        detail::order::StoreBytes(buffer, detail::order::Reverse32(value));
+    }
+    static void SwapToBuf(int32_t value, char* buffer) {
+        SwapToBuf(static_cast<uint32_t>(value), buffer);
+    }
+    static void SwapToBuf(uint16_t value, char* buffer) {
+        detail::order::StoreBytes(buffer, detail::order::Reverse16(value));
+    }
+    static void SwapToBuf(int16_t value, char* buffer) {
+        SwapToBuf(static_cast<uint16_t>(value), buffer);
+    }
 
-protected:
+  protected:
     // Widths in bytes as the original 32-bit interface had them
     // (long double was 8 bytes there).
     static const short sizeOfShort = 2;
@@ -144,13 +176,23 @@ protected:
 };
 
 // Most significant byte first, signed. The pointer must be valid.
-inline int32_t GetLong(const char* p) { return static_cast<int32_t>(detail::order::LoadMB32(p)); }
-inline int32_t GetLong(const unsigned char* p) { return static_cast<int32_t>(detail::order::LoadMB32(p)); }
-inline void SetLong(char* p, int32_t value) { detail::order::StoreMB32(p, static_cast<uint32_t>(value)); }
+inline int32_t GetLong(const char* p) {
+    return static_cast<int32_t>(detail::order::LoadMB32(p));
+}
+inline int32_t GetLong(const unsigned char* p) {
+    return static_cast<int32_t>(detail::order::LoadMB32(p));
+}
+inline void SetLong(char* p, int32_t value) {
+    detail::order::StoreMB32(p, static_cast<uint32_t>(value));
+}
 
 // Most significant byte first, signed 16 bits.
-inline int16_t GetShort(const char* p) { return p ? static_cast<int16_t>(detail::order::LoadMB16(p)) : 0; }
-inline int16_t GetShort(const unsigned char* p) { return p ? static_cast<int16_t>(detail::order::LoadMB16(p)) : 0; }
+inline int16_t GetShort(const char* p) {
+    return p ? static_cast<int16_t>(detail::order::LoadMB16(p)) : 0;
+}
+inline int16_t GetShort(const unsigned char* p) {
+    return p ? static_cast<int16_t>(detail::order::LoadMB16(p)) : 0;
+}
 inline void SetShort(char* p, int16_t value) {
     if (p) detail::order::StoreMB16(p, static_cast<uint16_t>(value));
 }
@@ -159,25 +201,41 @@ inline void SetShort(unsigned char* p, int16_t value) {
 }
 
 // 32 bits as an int: MB32 and Int32 are the same functions.
-inline int GetInt32(const unsigned char* p) { return p ? static_cast<int>(detail::order::LoadMB32(p)) : 0; }
-inline int GetMB32(const unsigned char* p) { return GetInt32(p); }
-inline int GetLB32(const char* p) { return p ? static_cast<int>(detail::order::LoadLB32(p)) : 0; }
+inline int GetInt32(const unsigned char* p) {
+    return p ? static_cast<int>(detail::order::LoadMB32(p)) : 0;
+}
+inline int GetMB32(const unsigned char* p) {
+    return GetInt32(p);
+}
+inline int GetLB32(const char* p) {
+    return p ? static_cast<int>(detail::order::LoadLB32(p)) : 0;
+}
 inline void SetInt32(unsigned char* p, unsigned int value) {
     if (p) detail::order::StoreMB32(p, value);
 }
-inline void SetMB32(unsigned char* p, unsigned int value) { SetInt32(p, value); }
+inline void SetMB32(unsigned char* p, unsigned int value) {
+    SetInt32(p, value);
+}
 inline void SetLB32(unsigned char* p, unsigned int value) {
     if (p) detail::order::StoreLB32(p, value);
 }
 
 // 16 bits as 0..65535 (no sign); setters write the low 16 bits of value.
-inline int GetInt16(const unsigned char* p) { return p ? detail::order::LoadMB16(p) : 0; }
-inline int GetMB16(const unsigned char* p) { return GetInt16(p); }
-inline int GetLB16(const unsigned char* p) { return p ? detail::order::LoadLB16(p) : 0; }
+inline int GetInt16(const unsigned char* p) {
+    return p ? detail::order::LoadMB16(p) : 0;
+}
+inline int GetMB16(const unsigned char* p) {
+    return GetInt16(p);
+}
+inline int GetLB16(const unsigned char* p) {
+    return p ? detail::order::LoadLB16(p) : 0;
+}
 inline void SetInt16(unsigned char* p, unsigned int value) {
     if (p) detail::order::StoreMB16(p, static_cast<uint16_t>(value));
 }
-inline void SetMB16(unsigned char* p, unsigned int value) { SetInt16(p, value); }
+inline void SetMB16(unsigned char* p, unsigned int value) {
+    SetInt16(p, value);
+}
 inline void SetLB16(unsigned char* p, unsigned int value) {
     if (p) detail::order::StoreLB16(p, static_cast<uint16_t>(value));
 }

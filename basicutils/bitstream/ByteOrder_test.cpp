@@ -1,12 +1,11 @@
 #include <basicutils/bitstream/ByteOrder.h>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace basicutils {
 namespace {
@@ -64,8 +63,10 @@ TEST(UByteSwapper, LongDoubleSwapStaysWithinTheSignificantBytes) {
 
 TEST(UByteSwapper, RunSwapsAndBufferForms) {
     const std::pair<int16_t, std::pair<Bytes, Bytes>> runs[] = {
-        {5, {{5, 4, 3, 2, 1, 6}, {2, 1, 4, 3, 5, 6}}}, {4, {{4, 3, 2, 1, 5, 6}, {2, 1, 4, 3, 5, 6}}},
-        {1, {{1, 2, 3, 4, 5, 6}, {1, 2, 3, 4, 5, 6}}}, {-3, {{1, 2, 3, 4, 5, 6}, {1, 2, 3, 4, 5, 6}}},
+        {5, {{5, 4, 3, 2, 1, 6}, {2, 1, 4, 3, 5, 6}}},
+        {4, {{4, 3, 2, 1, 5, 6}, {2, 1, 4, 3, 5, 6}}},
+        {1, {{1, 2, 3, 4, 5, 6}, {1, 2, 3, 4, 5, 6}}},
+        {-3, {{1, 2, 3, 4, 5, 6}, {1, 2, 3, 4, 5, 6}}},
     };
     for (const auto& [length, want] : runs) {
         Bytes whole{1, 2, 3, 4, 5, 6}, pairs = whole;
@@ -111,12 +112,14 @@ TEST(NamedOrder, GettersAndSettersAtUnalignedPointers) {
         {[](unsigned char* q) { SetMB32(q, 0x12345678); }, {0xEE, 0x12, 0x34, 0x56, 0x78, 0xEE}},
         {[](unsigned char* q) { SetInt32(q, 0xFFFFFFFE); }, {0xEE, 0xFF, 0xFF, 0xFF, 0xFE, 0xEE}},
         {[](unsigned char* q) { SetLB32(q, 0x12345678); }, {0xEE, 0x78, 0x56, 0x34, 0x12, 0xEE}},
-        {[](unsigned char* q) { SetLong(reinterpret_cast<char*>(q), -2); }, {0xEE, 0xFF, 0xFF, 0xFF, 0xFE, 0xEE}},
+        {[](unsigned char* q) { SetLong(reinterpret_cast<char*>(q), -2); },
+         {0xEE, 0xFF, 0xFF, 0xFF, 0xFE, 0xEE}},
         {[](unsigned char* q) { SetMB16(q, 0x12345); }, {0xEE, 0x23, 0x45, 0xEE, 0xEE, 0xEE}},
         {[](unsigned char* q) { SetInt16(q, 0xBEEF); }, {0xEE, 0xBE, 0xEF, 0xEE, 0xEE, 0xEE}},
         {[](unsigned char* q) { SetLB16(q, 0x12345); }, {0xEE, 0x45, 0x23, 0xEE, 0xEE, 0xEE}},
         {[](unsigned char* q) { SetShort(q, int16_t{-2}); }, {0xEE, 0xFF, 0xFE, 0xEE, 0xEE, 0xEE}},
-        {[](unsigned char* q) { SetShort(reinterpret_cast<char*>(q), int16_t{258}); }, {0xEE, 0x01, 0x02, 0xEE, 0xEE, 0xEE}},
+        {[](unsigned char* q) { SetShort(reinterpret_cast<char*>(q), int16_t{258}); },
+         {0xEE, 0x01, 0x02, 0xEE, 0xEE, 0xEE}},
     };
     for (size_t i = 0; i < std::size(setters); ++i) {
         Bytes out(6, 0xEE);
@@ -128,8 +131,8 @@ TEST(NamedOrder, GettersAndSettersAtUnalignedPointers) {
 TEST(NamedOrder, NullPointersGiveZeroOrDoNothing) {
     unsigned char* up = nullptr;
     char* cp = nullptr;
-    EXPECT_EQ(GetShort(up) + GetShort(cp) + GetMB32(up) + GetInt32(up) + GetLB32(cp) + GetMB16(up) + GetInt16(up) +
-                  GetLB16(up),
+    EXPECT_EQ(GetShort(up) + GetShort(cp) + GetMB32(up) + GetInt32(up) + GetLB32(cp) + GetMB16(up) +
+                  GetInt16(up) + GetLB16(up),
               0);
     SetShort(up, 1), SetShort(cp, 1), SetMB32(up, 1), SetInt32(up, 1), SetLB32(up, 1);
     SetMB16(up, 1), SetInt16(up, 1), SetLB16(up, 1);  // reaching here is the test
@@ -137,19 +140,32 @@ TEST(NamedOrder, NullPointersGiveZeroOrDoNothing) {
 
 TEST(DecimalText, ToCLongLongCollectsDigitsAndWraps) {
     const std::pair<const char*, int64_t> cases[] = {
-        {"", 0}, {"-42", 42}, {"+7", 7}, {"1,234", 1234}, {" 12 34 ", 1234}, {"abc", 0}, {"\xB9\xFF" "5", 5},
+        {"", 0},
+        {"-42", 42},
+        {"+7", 7},
+        {"1,234", 1234},
+        {" 12 34 ", 1234},
+        {"abc", 0},
+        {"\xB9\xFF"
+         "5",
+         5},
         {"9223372036854775807", std::numeric_limits<int64_t>::max()},
         {"9223372036854775808", std::numeric_limits<int64_t>::min()},
         {"18446744073709551616", 0},
     };
     for (const auto& [text, want] : cases)
-        EXPECT_EQ(ToCLongLong(reinterpret_cast<const unsigned char*>(text)), want) << '"' << text << '"';
+        EXPECT_EQ(ToCLongLong(reinterpret_cast<const unsigned char*>(text)), want)
+            << '"' << text << '"';
     EXPECT_EQ(ToCLongLong(nullptr), 0);
 }
 
 TEST(DecimalText, ToString10IsUnsignedZeroFilledAndRoundTrips) {
     const std::pair<int64_t, const char*> cases[] = {
-        {0, "0"}, {7, "7"}, {10, "10"}, {1234567890123, "1234567890123"}, {-1, "18446744073709551615"},
+        {0, "0"},
+        {7, "7"},
+        {10, "10"},
+        {1234567890123, "1234567890123"},
+        {-1, "18446744073709551615"},
         {std::numeric_limits<int64_t>::max(), "9223372036854775807"},
         {std::numeric_limits<int64_t>::min(), "9223372036854775808"},
     };

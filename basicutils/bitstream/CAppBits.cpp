@@ -13,7 +13,9 @@ unsigned char CAppBits::sRemainingBitsMasks[8] = {};
 namespace {
 
 // Bytes a field of n bits at offset o covers.
-[[maybe_unused]] inline int BytesCovered(int offset, int n) { return (offset + n + 7) >> 3; }
+[[maybe_unused]] inline int BytesCovered(int offset, int n) {
+    return (offset + n + 7) >> 3;
+}
 
 }  // namespace
 
@@ -70,7 +72,9 @@ int CAppBits::PeekBitsNearEnd(const unsigned char* buffer, int size, int p, int 
     return static_cast<int>(result);
 }
 
-void CAppBits::FlushBits(int n) { Advance(n); }
+void CAppBits::FlushBits(int n) {
+    Advance(n);
+}
 
 int CAppBits::PutBits(int value, int n) {
     assert(n <= 32);

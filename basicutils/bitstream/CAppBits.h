@@ -39,11 +39,11 @@
 // walk the same buffer independently.
 #pragma once
 
+#include <basicutils/Export.h>
+
 #include <cassert>
 #include <cstdint>
 #include <cstring>
-
-#include <basicutils/Export.h>
 
 namespace basicutils {
 
@@ -54,7 +54,7 @@ enum cbits_get_t {
 };
 
 class BASICUTILS_EXPORT CAppBits {
-public:
+  public:
     CAppBits();
     CAppBits(unsigned char* buffer, int size);
     CAppBits(const CAppBits& other) = default;
@@ -88,7 +88,7 @@ public:
     // Moves the cursor to bitPosition and writes as PutBits does. Returns 0.
     int PutBitsAt(int bitPosition, int value, int n);
 
-protected:
+  protected:
     // Reads through the two mask tables alone. Requires n <= 8 and two
     // bytes at the cursor; always loads exactly those two bytes.
     int FastGetBits(int n, cbits_get_t mode);
@@ -99,7 +99,8 @@ protected:
     // The reads near the end of the buffer (fewer than eight bytes at the
     // cursor): the mask tables or the byte loop. It takes the cursor by
     // value so that an inlined GetBits can keep the cursor in registers.
-    static int PeekBitsNearEnd(const unsigned char* buffer, int size, int bytePos, int bitOffset, int n);
+    static int PeekBitsNearEnd(const unsigned char* buffer, int size, int bytePos, int bitOffset,
+                               int n);
     // Bits o..o+n-1 (n <= 8) of the two bytes at p, through the mask tables.
     static int MaskedPair(const unsigned char* p, int o, int n) {
         unsigned w = (static_cast<unsigned>(sFirstByteMasks[n][o] & p[0]) << 8) |

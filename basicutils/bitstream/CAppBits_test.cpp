@@ -1,10 +1,9 @@
 #include <basicutils/bitstream/CAppBits.h>
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <random>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace basicutils {
 namespace {
@@ -14,18 +13,21 @@ using Bytes = std::vector<unsigned char>;
 // One bit at a time, MSB first: the reference for every read route.
 uint32_t ReferenceRead(const Bytes& buf, int64_t pos, int n) {
     uint32_t v = 0;
-    for (int64_t bit = pos; bit < pos + n; ++bit) v = (v << 1) | ((buf[bit >> 3] >> (7 - (bit & 7))) & 1u);
+    for (int64_t bit = pos; bit < pos + n; ++bit)
+        v = (v << 1) | ((buf[bit >> 3] >> (7 - (bit & 7))) & 1u);
     return v;
 }
 
 // For values that fit: a byte entered at bit 0 is cleared, a begun one ORed.
 // A negative 32-bit value written mid-byte also sets the bits before it.
 void ReferenceWrite(Bytes& buf, int64_t pos, uint32_t value, int n) {
-    if (n == 32 && (value >> 31) != 0 && (pos & 7) != 0) buf[pos >> 3] |= static_cast<unsigned char>(~(0xFFu >> (pos & 7)));
+    if (n == 32 && (value >> 31) != 0 && (pos & 7) != 0)
+        buf[pos >> 3] |= static_cast<unsigned char>(~(0xFFu >> (pos & 7)));
     for (int i = 0; i < n; ++i) {
         int64_t bit = pos + i;
         if ((bit & 7) == 0) buf[bit >> 3] = 0;
-        if ((value >> (n - 1 - i)) & 1u) buf[bit >> 3] |= static_cast<unsigned char>(0x80 >> (bit & 7));
+        if ((value >> (n - 1 - i)) & 1u)
+            buf[bit >> 3] |= static_cast<unsigned char>(0x80 >> (bit & 7));
     }
 }
 
@@ -46,7 +48,8 @@ TEST(CAppBits, EveryOffsetAndWidthReadsLikeTheReference) {
                     Bytes buf(data.begin(), data.begin() + start + tail);
                     const int pos = start * 8 + o;
                     const uint32_t want = ReferenceRead(buf, pos, n);
-                    SCOPED_TRACE(testing::Message() << "offset " << o << " width " << n << " tail " << tail);
+                    SCOPED_TRACE(testing::Message()
+                                 << "offset " << o << " width " << n << " tail " << tail);
                     CAppBits bits(buf.data(), static_cast<int>(buf.size()));
                     bits.FlushBits(pos);
                     EXPECT_EQ(static_cast<uint32_t>(bits.ShowBits(n)), want);
@@ -65,10 +68,10 @@ TEST(CAppBits, WalkingAcrossRoutesToTheEnd) {
     EXPECT_EQ(bits.GetBits(4, kCBitsConsume), 0xA);
     EXPECT_EQ(bits.GetBits(8, kCBitsConsume), 0x53);  // mask tables
     EXPECT_EQ(bits.IsEOB(), 0);
-    EXPECT_EQ(bits.GetBits(4, kCBitsConsume), 0xC);   // last byte alone
+    EXPECT_EQ(bits.GetBits(4, kCBitsConsume), 0xC);  // last byte alone
     EXPECT_EQ(bits.IsEOB(), 1);
     EXPECT_EQ(bits.IsByteAlligned(), 1);
-    EXPECT_EQ(bits.GetBits(0, kCBitsConsume), 0);     // at the end: touches nothing
+    EXPECT_EQ(bits.GetBits(0, kCBitsConsume), 0);  // at the end: touches nothing
     bits.SetBuf(buf.data(), 2);
     bits.FlushBits(6);
     bits.FlushBits(3);

@@ -26,9 +26,13 @@ int CAppBytes::GetBytes(int n, cbytes_get_t mode) {
     return static_cast<int>(value);
 }
 
-int CAppBytes::ShowBytes(int n) { return GetBytes(n, kCBytesShow); }
+int CAppBytes::ShowBytes(int n) {
+    return GetBytes(n, kCBytesShow);
+}
 
-void CAppBytes::FlushBytes(int n) { mBytePos += n; }
+void CAppBytes::FlushBytes(int n) {
+    mBytePos += n;
+}
 
 int CAppBytes::PutBytes(int value, int n) {
     if (n < 1 || n > 4) return 0;

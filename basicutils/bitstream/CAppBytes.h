@@ -28,7 +28,7 @@ enum cbytes_get_t {
 };
 
 class BASICUTILS_EXPORT CAppBytes {
-public:
+  public:
     CAppBytes();
     CAppBytes(unsigned char* buffer, int size);
     CAppBytes(const CAppBytes& other) = default;
@@ -51,7 +51,7 @@ public:
     // them. Returns 0.
     int PutBytes(int value, int n);
 
-protected:
+  protected:
     unsigned char* mBuffer;  // not owned
     int mBytePos;            // index of the current byte
     int mBufSize;            // size of the buffer in bytes

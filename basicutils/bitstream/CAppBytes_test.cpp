@@ -1,8 +1,7 @@
 #include <basicutils/bitstream/CAppBytes.h>
+#include <gtest/gtest.h>
 
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace basicutils {
 namespace {
@@ -12,7 +11,8 @@ TEST(CAppBytes, ReadsBigEndianWithoutSignBelowFourBytes) {
     CAppBytes bytes(buf.data(), 8);
     EXPECT_EQ(bytes.ShowBytes(4), 0x12345678);
     EXPECT_EQ(bytes.GetBytes(2, kCBytesConsume), 0x1234);
-    EXPECT_EQ(bytes.GetBytes(3, static_cast<cbytes_get_t>(7)), 0x5678FF);  // any non-zero mode consumes
+    EXPECT_EQ(bytes.GetBytes(3, static_cast<cbytes_get_t>(7)),
+              0x5678FF);  // any non-zero mode consumes
     EXPECT_EQ(bytes.GetBytes(1, kCBytesShow), 0xFE);
     for (int n : {0, 5, -1}) EXPECT_EQ(bytes.GetBytes(n, kCBytesConsume), 0);
     EXPECT_EQ(bytes.GetBytes(3, kCBytesConsume), 0xFEFDFC);
@@ -32,7 +32,8 @@ TEST(CAppBytes, PutBytesWritesTheLowBytesBigEndianAndReadsBack) {
         EXPECT_EQ(buf, want) << n;
         CAppBytes reader(buf.data(), 5);
         if (n >= 1 && n <= 4) {
-            EXPECT_EQ(static_cast<uint32_t>(reader.GetBytes(n, kCBytesConsume)), 0xFFEDCBA9u & (0xFFFFFFFFu >> (32 - 8 * n)));
+            EXPECT_EQ(static_cast<uint32_t>(reader.GetBytes(n, kCBytesConsume)),
+                      0xFFEDCBA9u & (0xFFFFFFFFu >> (32 - 8 * n)));
         }
         writer.FlushBytes(0);
         EXPECT_EQ(writer.IsEOB(), reader.IsEOB());  // both moved by the same count

@@ -12,17 +12,18 @@
 namespace basicutils::test {
 
 inline std::vector<int32_t> Contents(const LArray& array) {
-  std::vector<int32_t> out(array.GetCount());
-  for (std::size_t i = 0; i < out.size(); ++i) array.FetchItemAt(static_cast<int32_t>(i + 1), &out[i]);
-  return out;
+    std::vector<int32_t> out(array.GetCount());
+    for (std::size_t i = 0; i < out.size(); ++i)
+        array.FetchItemAt(static_cast<int32_t>(i + 1), &out[i]);
+    return out;
 }
 
 inline int32_t Insert(LArray& array, int32_t value, int32_t index) {
-  return array.InsertItemsAt(1, index, &value, 0);
+    return array.InsertItemsAt(1, index, &value, 0);
 }
 
 inline void Fill(LArray& array, std::initializer_list<int32_t> values) {
-  for (int32_t v : values) Insert(array, v, kLastIndex);
+    for (int32_t v : values) Insert(array, v, kLastIndex);
 }
 
 }  // namespace basicutils::test

@@ -14,7 +14,9 @@ ListNode::~ListNode() {
 CVoidList::CVoidList()
     : mHead(nullptr), mTail(nullptr), mCurrent(nullptr), mPosition(0), mCount(0) {}
 
-CVoidList::CVoidList(const CVoidList& other) : CVoidList() { CopyFrom(other); }
+CVoidList::CVoidList(const CVoidList& other) : CVoidList() {
+    CopyFrom(other);
+}
 
 CVoidList& CVoidList::operator=(const CVoidList& other) {
     if (this != &other) {
@@ -24,7 +26,9 @@ CVoidList& CVoidList::operator=(const CVoidList& other) {
     return *this;
 }
 
-CVoidList::~CVoidList() { ClearList(); }
+CVoidList::~CVoidList() {
+    ClearList();
+}
 
 void CVoidList::CopyFrom(const CVoidList& other) {
     ListNode* current = nullptr;
@@ -72,7 +76,9 @@ void* CVoidList::GetAt(int position) {
     return mPosition == position ? GetCurrent() : nullptr;
 }
 
-void* CVoidList::GetCurrent() { return mCurrent ? mCurrent->GetElement() : nullptr; }
+void* CVoidList::GetCurrent() {
+    return mCurrent ? mCurrent->GetElement() : nullptr;
+}
 
 void* CVoidList::GetNext() {
     if (!mCurrent || !mCurrent->GetNext()) {
@@ -129,9 +135,13 @@ void* CVoidList::GetPrev(void* element) {
     return mCurrent->GetElement();
 }
 
-void* CVoidList::ViewHead() { return mHead ? mHead->GetElement() : nullptr; }
+void* CVoidList::ViewHead() {
+    return mHead ? mHead->GetElement() : nullptr;
+}
 
-void* CVoidList::ViewTail() { return mTail ? mTail->GetElement() : nullptr; }
+void* CVoidList::ViewTail() {
+    return mTail ? mTail->GetElement() : nullptr;
+}
 
 void* CVoidList::ViewNext() {
     if (mCurrent && mCurrent->GetNext()) return mCurrent->GetNext()->GetElement();

@@ -41,7 +41,7 @@ namespace basicutils {
 // One node of a CVoidList. Destroying a node links its two neighbours to
 // each other and clears its own links; the element is not touched.
 class BASICUTILS_EXPORT ListNode {
-public:
+  public:
     explicit ListNode(void* element);
     ~ListNode();
     ListNode(const ListNode&) = delete;
@@ -53,7 +53,7 @@ public:
     ListNode* GetNext() const { return mNext; }
     void* GetElement() const { return mElement; }
 
-protected:
+  protected:
     ListNode* mPrev;
     ListNode* mNext;
     void* mElement;
@@ -61,19 +61,19 @@ protected:
 
 // A bare link for singly linked chains that a client threads itself.
 class BASICUTILS_EXPORT LinkNode {
-public:
+  public:
     LinkNode() : mNext(nullptr) {}
     ~LinkNode() {}
 
     LinkNode* GetNext() const { return mNext; }
     void SetNext(LinkNode* node) { mNext = node; }
 
-protected:
+  protected:
     LinkNode* mNext;
 };
 
 class BASICUTILS_EXPORT CVoidList {
-public:
+  public:
     CVoidList();
     CVoidList(const CVoidList& other);
     CVoidList& operator=(const CVoidList& other);
@@ -120,14 +120,14 @@ public:
     // copied). 0, or the negative result of a failed addition.
     int CopyTo(CVoidList* target);
 
-protected:
+  protected:
     ListNode* mHead;
     ListNode* mTail;
     ListNode* mCurrent;
     int mPosition;
     int mCount;
 
-private:
+  private:
     // First node holding element and its 1-based position; null/0 if none.
     ListNode* Find(void* element, int* position) const;
     void Unlink(ListNode* node);

@@ -1,5 +1,4 @@
 #include <basicutils/containers/CVoidList.h>
-
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -8,7 +7,9 @@ namespace basicutils {
 namespace {
 
 int gItems[8];
-void* P(int i) { return &gItems[i]; }
+void* P(int i) {
+    return &gItems[i];
+}
 
 // Fills a list with elements 0..n-1; the cursor ends on the tail.
 void Fill(CVoidList& list, int n) {
@@ -59,7 +60,7 @@ TEST(CVoidList, GetAtStepsFromTheCursorAndIgnoresBadPositions) {
         int position;
         void* expected;
         int positionAfter;
-    } steps[] = {{3, P(2), 3}, {2, P(1), 2}, {4, P(3), 4}, {0, nullptr, 4},
+    } steps[] = {{3, P(2), 3},    {2, P(1), 2}, {4, P(3), 4},    {0, nullptr, 4},
                  {5, nullptr, 4}, {1, P(0), 1}, {-1, nullptr, 1}};
     for (const Step& s : steps) {
         EXPECT_EQ(list.GetAt(s.position), s.expected) << s.position;

@@ -28,33 +28,33 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT Handle {
- public:
-  Handle();
-  explicit Handle(uint32_t size);
-  Handle(const Handle& other);
-  Handle& operator=(const Handle& other);
-  virtual ~Handle();
+  public:
+    Handle();
+    explicit Handle(uint32_t size);
+    Handle(const Handle& other);
+    Handle& operator=(const Handle& other);
+    virtual ~Handle();
 
-  // The next multiple of 256 above size; 0 when that does not fit 32 bits.
-  static uint32_t GetAllocSize(uint32_t size);
+    // The next multiple of 256 above size; 0 when that does not fit 32 bits.
+    static uint32_t GetAllocSize(uint32_t size);
 
-  virtual void Resize(uint32_t size);
-  virtual char* Lock();
-  virtual void Unlock();
-  virtual char* GetPtr();
+    virtual void Resize(uint32_t size);
+    virtual char* Lock();
+    virtual void Unlock();
+    virtual char* GetPtr();
 
-  uint32_t GetSize() const { return mSize; }
+    uint32_t GetSize() const { return mSize; }
 
- protected:
-  friend class LArrayIterator;  // reads mBlock on the broadcasters' walk
+  protected:
+    friend class LArrayIterator;  // reads mBlock on the broadcasters' walk
 
-  uint32_t mSize;
-  uint32_t mAllocSize;
-  char* mBlock;
+    uint32_t mSize;
+    uint32_t mAllocSize;
+    char* mBlock;
 
- private:
-  // Bytes really allocated at mBlock; never below mAllocSize.
-  size_t mCapacity;
+  private:
+    // Bytes really allocated at mBlock; never below mAllocSize.
+    size_t mCapacity;
 };
 
 }  // namespace basicutils

@@ -58,82 +58,82 @@ inline constexpr int32_t kIteratorItemRemoved = -4;
 inline constexpr int32_t kIteratorArrayDead = -6;
 
 class BASICUTILS_EXPORT LArray {
- public:
-  LArray(uint32_t itemSize, LComparator* comparator, bool keepSorted);
-  LArray(const LArray&) = delete;
-  LArray& operator=(const LArray&) = delete;
-  virtual ~LArray();
+  public:
+    LArray(uint32_t itemSize, LComparator* comparator, bool keepSorted);
+    LArray(const LArray&) = delete;
+    LArray& operator=(const LArray&) = delete;
+    virtual ~LArray();
 
-  uint32_t GetCount() const { return mItemCount; }
-  virtual uint32_t GetItemSize(int32_t index) const;
-  bool ValidIndex(int32_t& index) const;
+    uint32_t GetCount() const { return mItemCount; }
+    virtual uint32_t GetItemSize(int32_t index) const;
+    bool ValidIndex(int32_t& index) const;
 
-  virtual bool FetchItemAt(int32_t index, void* buffer, uint32_t& size) const;
-  virtual bool FetchItemAt(int32_t index, void* buffer) const;
-  virtual int32_t FetchIndexOf(const void* item, uint32_t size) const;
-  virtual int32_t InsertItemsAt(uint32_t count, int32_t index, const void* item, uint32_t size);
-  virtual void RemoveItemsAt(uint32_t count, int32_t index);
-  virtual void AssignItemsAt(uint32_t count, int32_t index, const void* item, uint32_t size);
-  virtual void SwapItems(int32_t a, int32_t b);
-  virtual void MoveItem(int32_t from, int32_t to);
-  virtual void Remove(const void* item, uint32_t size);
-  virtual void* GetItemPtr(int32_t index) const;
-  virtual void AdjustAllocation(uint32_t extraItems, uint32_t extraBytes);
-  virtual void Sort();
-  virtual int32_t FetchIndexOfKey(const void* key) const;
-  virtual int32_t FetchInsertIndexOf(const void* item, uint32_t size) const;
-  virtual int32_t FetchInsertIndexOfKey(const void* key) const;
+    virtual bool FetchItemAt(int32_t index, void* buffer, uint32_t& size) const;
+    virtual bool FetchItemAt(int32_t index, void* buffer) const;
+    virtual int32_t FetchIndexOf(const void* item, uint32_t size) const;
+    virtual int32_t InsertItemsAt(uint32_t count, int32_t index, const void* item, uint32_t size);
+    virtual void RemoveItemsAt(uint32_t count, int32_t index);
+    virtual void AssignItemsAt(uint32_t count, int32_t index, const void* item, uint32_t size);
+    virtual void SwapItems(int32_t a, int32_t b);
+    virtual void MoveItem(int32_t from, int32_t to);
+    virtual void Remove(const void* item, uint32_t size);
+    virtual void* GetItemPtr(int32_t index) const;
+    virtual void AdjustAllocation(uint32_t extraItems, uint32_t extraBytes);
+    virtual void Sort();
+    virtual int32_t FetchIndexOfKey(const void* key) const;
+    virtual int32_t FetchInsertIndexOf(const void* item, uint32_t size) const;
+    virtual int32_t FetchInsertIndexOfKey(const void* key) const;
 
-  Handle* GetItemsHandle() const;
-  void Lock() const;
-  void Unlock() const;
+    Handle* GetItemsHandle() const;
+    void Lock() const;
+    void Unlock() const;
 
-  bool IsSorted() const { return mIsSorted; }
-  void InvalidateSort() { mIsSorted = false; }
-  bool IsKeptSorted() const { return mKeepSorted; }
-  void SetKeepSorted(bool keep);
-  void SetComparator(LComparator* comparator);
+    bool IsSorted() const { return mIsSorted; }
+    void InvalidateSort() { mIsSorted = false; }
+    bool IsKeptSorted() const { return mKeepSorted; }
+    void SetKeepSorted(bool keep);
+    void SetComparator(LComparator* comparator);
 
-  static LComparator sBytesComparator;
-  static LLongComparator sLongComparator;
-  static LPointerComparator sPointerComparator;
+    static LComparator sBytesComparator;
+    static LLongComparator sLongComparator;
+    static LPointerComparator sPointerComparator;
 
- protected:
-  virtual void PeekItem(int32_t index, void* buffer) const;
-  virtual void PokeItem(int32_t index, const void* item, uint32_t size);
-  virtual void InternalAdjustAllocation(uint32_t itemCount, uint32_t bytes);
-  virtual void AdjustStorage(int32_t itemDelta, int32_t byteDelta);
-  virtual void ShiftItems(int32_t first, int32_t last, int32_t delta, int32_t byteDelta);
-  virtual void StoreNewItems(uint32_t count, int32_t index, const void* item, uint32_t size);
-  virtual void InternalSwapItems(int32_t a, int32_t b, void* buffer);
-  virtual void InternalMoveItem(int32_t from, int32_t to, void* buffer);
-  virtual void InternalCopyItem(int32_t from, int32_t to);
-  virtual uint32_t GrabItemSize(int32_t index) const;
-  virtual uint32_t GrabItemRangeSize(int32_t first, int32_t last) const;
+  protected:
+    virtual void PeekItem(int32_t index, void* buffer) const;
+    virtual void PokeItem(int32_t index, const void* item, uint32_t size);
+    virtual void InternalAdjustAllocation(uint32_t itemCount, uint32_t bytes);
+    virtual void AdjustStorage(int32_t itemDelta, int32_t byteDelta);
+    virtual void ShiftItems(int32_t first, int32_t last, int32_t delta, int32_t byteDelta);
+    virtual void StoreNewItems(uint32_t count, int32_t index, const void* item, uint32_t size);
+    virtual void InternalSwapItems(int32_t a, int32_t b, void* buffer);
+    virtual void InternalMoveItem(int32_t from, int32_t to, void* buffer);
+    virtual void InternalCopyItem(int32_t from, int32_t to);
+    virtual uint32_t GrabItemSize(int32_t index) const;
+    virtual uint32_t GrabItemRangeSize(int32_t first, int32_t last) const;
 
-  int32_t LinearSearch(const void* item, uint32_t size) const;
-  int32_t LinearSearchByKey(const void* key) const;
-  int32_t BinarySearch(const void* item, uint32_t size) const;
-  int32_t BinarySearchByKey(const void* key) const;
+    int32_t LinearSearch(const void* item, uint32_t size) const;
+    int32_t LinearSearchByKey(const void* key) const;
+    int32_t BinarySearch(const void* item, uint32_t size) const;
+    int32_t BinarySearchByKey(const void* key) const;
 
-  void AttachIterator(LArrayIterator* iterator);
-  void DetachIterator(LArrayIterator* iterator);
-  void ItemsInserted(uint32_t count, int32_t index);
-  void ItemsRemoved(uint32_t count, int32_t index);
+    void AttachIterator(LArrayIterator* iterator);
+    void DetachIterator(LArrayIterator* iterator);
+    void ItemsInserted(uint32_t count, int32_t index);
+    void ItemsRemoved(uint32_t count, int32_t index);
 
-  friend class LArrayIterator;
+    friend class LArrayIterator;
 
-  uint32_t mItemSize;
-  uint32_t mItemCount;
-  uint32_t mItemsBytes;
-  uint32_t mAllocatedBytes;
-  Handle* mItems;
-  mutable uint32_t mLockCount;
-  LArrayIterator* mFirstIterator;
-  LComparator* mComparator;
-  bool mOwnsComparator;
-  bool mIsSorted;
-  bool mKeepSorted;
+    uint32_t mItemSize;
+    uint32_t mItemCount;
+    uint32_t mItemsBytes;
+    uint32_t mAllocatedBytes;
+    Handle* mItems;
+    mutable uint32_t mLockCount;
+    LArrayIterator* mFirstIterator;
+    LComparator* mComparator;
+    bool mOwnsComparator;
+    bool mIsSorted;
+    bool mKeepSorted;
 };
 
 }  // namespace basicutils

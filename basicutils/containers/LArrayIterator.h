@@ -36,62 +36,62 @@ namespace basicutils {
 class LList;
 
 class BASICUTILS_EXPORT LArrayIterator {
- public:
-  LArrayIterator(LArray& array, int32_t position);
-  LArrayIterator(const LArrayIterator&) = delete;
-  LArrayIterator& operator=(const LArrayIterator&) = delete;
-  virtual ~LArrayIterator();
+  public:
+    LArrayIterator(LArray& array, int32_t position);
+    LArrayIterator(const LArrayIterator&) = delete;
+    LArrayIterator& operator=(const LArrayIterator&) = delete;
+    virtual ~LArrayIterator();
 
-  // position: 0 before the first item, 1..count on an item, -1 or anything
-  // above the count past the end; other values below 1 act as 0.
-  void ResetTo(int32_t position);
-  bool Current(void* buffer);
-  bool Current(void* buffer, uint32_t& size);
-  bool Next(void* buffer);
-  bool Next(void* buffer, uint32_t& size);
-  bool Previous(void* buffer);
-  bool Previous(void* buffer, uint32_t& size);
-  // The raw position, special values included.
-  int32_t GetCurrentIndex() const { return mCurrentIndex; }
+    // position: 0 before the first item, 1..count on an item, -1 or anything
+    // above the count past the end; other values below 1 act as 0.
+    void ResetTo(int32_t position);
+    bool Current(void* buffer);
+    bool Current(void* buffer, uint32_t& size);
+    bool Next(void* buffer);
+    bool Next(void* buffer, uint32_t& size);
+    bool Previous(void* buffer);
+    bool Previous(void* buffer, uint32_t& size);
+    // The raw position, special values included.
+    int32_t GetCurrentIndex() const { return mCurrentIndex; }
 
-  // Next for a walk over a plain LList of pointer-sized items, the kind that
-  // broadcasters and listeners keep: the same indices and the same item as
-  // Next, read directly instead of through the array's virtual operations.
-  // Only for arrays whose class overrides none of them.
-  bool NextPointerItem(void* item) {
-    if (mCurrentIndex == kIteratorArrayDead) return false;
-    mCurrentIndex = mNextIndex;
-    if (mCurrentIndex == kIteratorPastEnd) return false;
-    const int64_t count = mArray->mItemCount;
-    mNextIndex = mCurrentIndex + int64_t{1} > count ? kIteratorPastEnd : mCurrentIndex + 1;
-    if (mCurrentIndex < 1 || mCurrentIndex > count) return false;
-    const char* block = mArray->mItems->mBlock;
-    std::memcpy(item, block + static_cast<size_t>(mCurrentIndex - 1) * sizeof(void*),
-                sizeof(void*));
-    return true;
-  }
+    // Next for a walk over a plain LList of pointer-sized items, the kind that
+    // broadcasters and listeners keep: the same indices and the same item as
+    // Next, read directly instead of through the array's virtual operations.
+    // Only for arrays whose class overrides none of them.
+    bool NextPointerItem(void* item) {
+        if (mCurrentIndex == kIteratorArrayDead) return false;
+        mCurrentIndex = mNextIndex;
+        if (mCurrentIndex == kIteratorPastEnd) return false;
+        const int64_t count = mArray->mItemCount;
+        mNextIndex = mCurrentIndex + int64_t{1} > count ? kIteratorPastEnd : mCurrentIndex + 1;
+        if (mCurrentIndex < 1 || mCurrentIndex > count) return false;
+        const char* block = mArray->mItems->mBlock;
+        std::memcpy(item, block + static_cast<size_t>(mCurrentIndex - 1) * sizeof(void*),
+                    sizeof(void*));
+        return true;
+    }
 
- protected:
-  friend class LArray;
+  protected:
+    friend class LArray;
 
-  void CalcNextIndex();
-  bool CalcPreviousIndex();
-  void SetNextIterator(LArrayIterator* next) { mNextIterator = next; }
-  LArrayIterator* GetNextIterator() { return mNextIterator; }
-  void ArrayDied();
-  void ItemsInserted(uint32_t count, int32_t index);
-  void ItemsRemoved(uint32_t count, int32_t index);
+    void CalcNextIndex();
+    bool CalcPreviousIndex();
+    void SetNextIterator(LArrayIterator* next) { mNextIterator = next; }
+    LArrayIterator* GetNextIterator() { return mNextIterator; }
+    void ArrayDied();
+    void ItemsInserted(uint32_t count, int32_t index);
+    void ItemsRemoved(uint32_t count, int32_t index);
 
-  LArrayIterator* mNextIterator;
-  LArray* mArray;
-  int32_t mCurrentIndex;
-  int32_t mNextIndex;
+    LArrayIterator* mNextIterator;
+    LArray* mArray;
+    int32_t mCurrentIndex;
+    int32_t mNextIndex;
 };
 
 class BASICUTILS_EXPORT LListIterator : public LArrayIterator {
- public:
-  LListIterator(LList& list, int32_t position) : LArrayIterator(list, position) {}
-  ~LListIterator() override = default;
+  public:
+    LListIterator(LList& list, int32_t position) : LArrayIterator(list, position) {}
+    ~LListIterator() override = default;
 };
 
 // Kept inline: every broadcast constructs and destroys one iterator.
@@ -100,48 +100,49 @@ inline LArrayIterator::LArrayIterator(LArray& array, int32_t position)
       mArray(&array),
       mCurrentIndex(kIteratorBeforeFirst),
       mNextIndex(kIteratorBeforeFirst) {
-  mArray->AttachIterator(this);
-  ResetTo(position);
+    mArray->AttachIterator(this);
+    ResetTo(position);
 }
 
 inline LArrayIterator::~LArrayIterator() {
-  if (mCurrentIndex != kIteratorArrayDead && mArray != nullptr) mArray->DetachIterator(this);
+    if (mCurrentIndex != kIteratorArrayDead && mArray != nullptr) mArray->DetachIterator(this);
 }
 
 inline void LArrayIterator::ResetTo(int32_t position) {
-  if (mCurrentIndex == kIteratorArrayDead) return;
-  if (position != -1 && static_cast<int64_t>(position) <= static_cast<int64_t>(mArray->GetCount())) {
-    mCurrentIndex = position >= 1 ? position : kIteratorBeforeFirst;
-  } else {
-    mCurrentIndex = kIteratorPastEnd;
-  }
-  CalcNextIndex();
+    if (mCurrentIndex == kIteratorArrayDead) return;
+    if (position != -1 &&
+        static_cast<int64_t>(position) <= static_cast<int64_t>(mArray->GetCount())) {
+        mCurrentIndex = position >= 1 ? position : kIteratorBeforeFirst;
+    } else {
+        mCurrentIndex = kIteratorPastEnd;
+    }
+    CalcNextIndex();
 }
 
 inline void LArrayIterator::CalcNextIndex() {
-  if (mCurrentIndex == kIteratorPastEnd) {
-    mNextIndex = kIteratorPastEnd;
-    return;
-  }
-  const int64_t next = int64_t{mCurrentIndex} + 1;
-  mNextIndex = next > int64_t{mArray->GetCount()} ? kIteratorPastEnd : static_cast<int32_t>(next);
+    if (mCurrentIndex == kIteratorPastEnd) {
+        mNextIndex = kIteratorPastEnd;
+        return;
+    }
+    const int64_t next = int64_t{mCurrentIndex} + 1;
+    mNextIndex = next > int64_t{mArray->GetCount()} ? kIteratorPastEnd : static_cast<int32_t>(next);
 }
 
 inline void LArray::AttachIterator(LArrayIterator* iterator) {
-  iterator->SetNextIterator(mFirstIterator);
-  mFirstIterator = iterator;
+    iterator->SetNextIterator(mFirstIterator);
+    mFirstIterator = iterator;
 }
 
 inline void LArray::DetachIterator(LArrayIterator* iterator) {
-  LArrayIterator** link = &mFirstIterator;
-  while (*link != nullptr) {
-    if (*link == iterator) {
-      *link = iterator->GetNextIterator();
-      iterator->SetNextIterator(nullptr);
-      return;
+    LArrayIterator** link = &mFirstIterator;
+    while (*link != nullptr) {
+        if (*link == iterator) {
+            *link = iterator->GetNextIterator();
+            iterator->SetNextIterator(nullptr);
+            return;
+        }
+        link = &(*link)->mNextIterator;
     }
-    link = &(*link)->mNextIterator;
-  }
 }
 
 }  // namespace basicutils

@@ -2,7 +2,6 @@
 #include <basicutils/containers/LArray.h>
 #include <basicutils/containers/LArrayIterator.h>
 #include <basicutils/containers/LList.h>
-
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -16,9 +15,9 @@ using test::Contents;
 using test::Insert;
 
 std::unique_ptr<LArray> MakeArray(int32_t n) {
-  auto array = std::make_unique<LArray>(4, nullptr, false);
-  for (int32_t v = 1; v <= n; ++v) Insert(*array, v, kLastIndex);
-  return array;
+    auto array = std::make_unique<LArray>(4, nullptr, false);
+    for (int32_t v = 1; v <= n; ++v) Insert(*array, v, kLastIndex);
+    return array;
 }
 
 // One edit made mid-walk: remove `count` items at `index`, or insert 99 there
@@ -26,210 +25,250 @@ std::unique_ptr<LArray> MakeArray(int32_t n) {
 // one after it.
 constexpr int32_t kCur = -100;
 struct Edit {
-  int32_t count, index;
+    int32_t count, index;
 };
 
 void Apply(LArray& array, const LArrayIterator& it, const Edit& e) {
-  const int32_t index = e.index >= kCur && e.index <= kCur + 1
-                            ? it.GetCurrentIndex() + (e.index - kCur) : e.index;
-  if (e.count == 0) {
-    Insert(array, 99, index);
-  } else {
-    array.RemoveItemsAt(static_cast<uint32_t>(e.count), index);
-  }
+    const int32_t index =
+        e.index >= kCur && e.index <= kCur + 1 ? it.GetCurrentIndex() + (e.index - kCur) : e.index;
+    if (e.count == 0) {
+        Insert(array, 99, index);
+    } else {
+        array.RemoveItemsAt(static_cast<uint32_t>(e.count), index);
+    }
 }
 
 // A walk from position 0 over items 1..5 that edits the array when it
 // reaches a given value; what it visits shows how the iterator followed.
 TEST(LArrayIteratorWalk, EditsDuringAWalk) {
-  const struct {
-    const char* what;
-    int32_t at;
-    std::vector<Edit> edits;
-    std::vector<int32_t> visited;
-  } cases[] = {
-      {"insert at the current index pushes it up, not visited", 2, {{0, kCur}}, {1, 2, 3, 4, 5}},
-      {"insert just after the current index is visited next", 2, {{0, kCur + 1}},
-       {1, 2, 99, 3, 4, 5}},
-      {"insert before the walk's position is not visited", 3, {{0, 1}}, {1, 2, 3, 4, 5}},
-      {"append while on the last item is visited", 5, {{0, kLastIndex}}, {1, 2, 3, 4, 5, 99}},
-      {"remove the current item: the walk goes on with the next", 2, {{1, kCur}}, {1, 2, 3, 4, 5}},
-      {"remove a later item: it is not visited", 2, {{1, 4}}, {1, 2, 3, 5}},
-      {"remove earlier items: the walk stays on its item", 4, {{2, 1}}, {1, 2, 3, 4, 5}},
-      {"remove a range covering current and next", 2, {{2, 2}}, {1, 2, 4, 5}},
-      {"remove current, then an earlier one: nothing is skipped", 3, {{1, kCur}, {1, 1}},
-       {1, 2, 3, 4, 5}},
-      {"remove current, then the next one: the walk skips only that", 3, {{1, 3}, {1, 3}},
-       {1, 2, 3, 5}},
-      {"remove current, then insert at the next index: not visited", 3, {{1, 3}, {0, 3}},
-       {1, 2, 3, 4, 5}},
-      {"remove the last item while on it, then append: not visited", 5, {{1, 5}, {0, kLastIndex}},
-       {1, 2, 3, 4, 5}},
-      {"remove the next item when it is the last: the walk ends", 4, {{1, 5}}, {1, 2, 3, 4}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    auto array = MakeArray(5);
+    const struct {
+        const char* what;
+        int32_t at;
+        std::vector<Edit> edits;
+        std::vector<int32_t> visited;
+    } cases[] = {
+        {"insert at the current index pushes it up, not visited", 2, {{0, kCur}}, {1, 2, 3, 4, 5}},
+        {"insert just after the current index is visited next",
+         2,
+         {{0, kCur + 1}},
+         {1, 2, 99, 3, 4, 5}},
+        {"insert before the walk's position is not visited", 3, {{0, 1}}, {1, 2, 3, 4, 5}},
+        {"append while on the last item is visited", 5, {{0, kLastIndex}}, {1, 2, 3, 4, 5, 99}},
+        {"remove the current item: the walk goes on with the next",
+         2,
+         {{1, kCur}},
+         {1, 2, 3, 4, 5}},
+        {"remove a later item: it is not visited", 2, {{1, 4}}, {1, 2, 3, 5}},
+        {"remove earlier items: the walk stays on its item", 4, {{2, 1}}, {1, 2, 3, 4, 5}},
+        {"remove a range covering current and next", 2, {{2, 2}}, {1, 2, 4, 5}},
+        {"remove current, then an earlier one: nothing is skipped",
+         3,
+         {{1, kCur}, {1, 1}},
+         {1, 2, 3, 4, 5}},
+        {"remove current, then the next one: the walk skips only that",
+         3,
+         {{1, 3}, {1, 3}},
+         {1, 2, 3, 5}},
+        {"remove current, then insert at the next index: not visited",
+         3,
+         {{1, 3}, {0, 3}},
+         {1, 2, 3, 4, 5}},
+        {"remove the last item while on it, then append: not visited",
+         5,
+         {{1, 5}, {0, kLastIndex}},
+         {1, 2, 3, 4, 5}},
+        {"remove the next item when it is the last: the walk ends", 4, {{1, 5}}, {1, 2, 3, 4}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        auto array = MakeArray(5);
+        LArrayIterator it(*array, 0);
+        std::vector<int32_t> visited;
+        int32_t v = 0;
+        while (it.Next(&v)) {
+            visited.push_back(v);
+            if (v == c.at)
+                for (const Edit& e : c.edits) Apply(*array, it, e);
+        }
+        EXPECT_EQ(visited, c.visited);
+        // Past the end, or one above the count when the next index went stale.
+        const int32_t end = it.GetCurrentIndex();
+        EXPECT_TRUE(end == kIteratorPastEnd || end == static_cast<int32_t>(array->GetCount()) + 1);
+    }
+}
+
+TEST(LArrayIteratorWalk, RemovingEachItemVisitsAllAndEmptiesTheArray) {
+    auto array = MakeArray(6);
     LArrayIterator it(*array, 0);
     std::vector<int32_t> visited;
     int32_t v = 0;
     while (it.Next(&v)) {
-      visited.push_back(v);
-      if (v == c.at)
-        for (const Edit& e : c.edits) Apply(*array, it, e);
+        visited.push_back(v);
+        array->RemoveItemsAt(1, it.GetCurrentIndex());
+        EXPECT_EQ(it.GetCurrentIndex(), kIteratorItemRemoved);
+        EXPECT_FALSE(it.Current(&v));
     }
-    EXPECT_EQ(visited, c.visited);
-    // Past the end, or one above the count when the next index went stale.
-    const int32_t end = it.GetCurrentIndex();
-    EXPECT_TRUE(end == kIteratorPastEnd || end == static_cast<int32_t>(array->GetCount()) + 1);
-  }
-}
-
-TEST(LArrayIteratorWalk, RemovingEachItemVisitsAllAndEmptiesTheArray) {
-  auto array = MakeArray(6);
-  LArrayIterator it(*array, 0);
-  std::vector<int32_t> visited;
-  int32_t v = 0;
-  while (it.Next(&v)) {
-    visited.push_back(v);
-    array->RemoveItemsAt(1, it.GetCurrentIndex());
-    EXPECT_EQ(it.GetCurrentIndex(), kIteratorItemRemoved);
-    EXPECT_FALSE(it.Current(&v));
-  }
-  EXPECT_EQ(visited, (std::vector<int32_t>{1, 2, 3, 4, 5, 6}));
-  EXPECT_EQ(array->GetCount(), 0u);
+    EXPECT_EQ(visited, (std::vector<int32_t>{1, 2, 3, 4, 5, 6}));
+    EXPECT_EQ(array->GetCount(), 0u);
 }
 
 // Every transition of the iterator's state table, one row each.
 TEST(LArrayIteratorStates, TransitionTable) {
-  enum Op { kNext, kPrevious };
-  const struct {
-    const char* what;
-    int32_t items;
-    int32_t resetTo;         // ResetTo first unless 0
-    std::vector<Edit> edits;  // then these edits
-    std::vector<Op> ops;      // the last one's answer is checked
-    bool result;
-    int32_t value;  // item fetched when result is true
-    int32_t index;  // GetCurrentIndex afterwards
-  } rows[] = {
-      {"before first, Next", 3, 0, {}, {kNext}, true, 1, 1},
-      {"before first, Next on empty", 0, 0, {}, {kNext}, false, 0, kIteratorPastEnd},
-      {"on item, Next", 3, 2, {}, {kNext}, true, 3, 3},
-      {"on last, Next", 3, 3, {}, {kNext}, false, 0, kIteratorPastEnd},
-      {"on item, Previous", 3, 2, {}, {kPrevious}, true, 1, 1},
-      {"on item 1, Previous", 3, 1, {}, {kPrevious}, false, 0, 0},
-      {"before first, Previous", 3, 0, {}, {kPrevious}, false, 0, 0},
-      {"past end, Next", 3, -1, {}, {kNext}, false, 0, kIteratorPastEnd},
-      {"past end, Previous", 3, -1, {}, {kPrevious}, true, 3, 3},
-      {"past end, Previous on empty", 0, -1, {}, {kPrevious}, false, 0, 0},
-      {"item removed, Next", 4, 2, {{2, 2}}, {kNext}, true, 4, 2},
-      {"item removed, Next with nothing after", 3, 2, {{2, 2}}, {kNext}, false, 0, kIteratorPastEnd},
-      {"item removed, Previous", 4, 3, {{2, 2}}, {kPrevious}, true, 1, 1},
-      {"item removed from item 1, Previous", 4, 1, {{2, 1}}, {kPrevious}, false, 0, 0},
-      {"item removed with nothing after, Previous", 4, 4, {{2, 3}}, {kPrevious}, true, 2, 2},
-      {"last removed while on it, append, Previous", 3, 3, {{1, 3}, {0, kLastIndex}}, {kPrevious},
-       true, 99, 3},
-      {"stale next after the last was removed, Next", 3, 2, {{1, 3}}, {kNext}, false, 0, 3},
-      {"stale next, Next then Previous returns to the last", 3, 2, {{1, 3}}, {kNext, kPrevious},
-       true, 2, 2},
-      {"past end on empty sees no later insertion", 0, -1, {{0, 1}}, {kNext}, false, 0, kIteratorPastEnd},
-  };
-  for (const auto& r : rows) {
-    SCOPED_TRACE(r.what);
-    auto array = MakeArray(r.items);
-    LArrayIterator it(*array, 0);
-    if (r.resetTo != 0) it.ResetTo(r.resetTo);
-    for (const Edit& e : r.edits) Apply(*array, it, e);
-    bool got = false;
-    int32_t v = 0;
-    for (Op op : r.ops) got = op == kNext ? it.Next(&v) : it.Previous(&v);
-    EXPECT_EQ(got, r.result);
-    if (r.result) {
-      EXPECT_EQ(v, r.value);
+    enum Op { kNext, kPrevious };
+    const struct {
+        const char* what;
+        int32_t items;
+        int32_t resetTo;          // ResetTo first unless 0
+        std::vector<Edit> edits;  // then these edits
+        std::vector<Op> ops;      // the last one's answer is checked
+        bool result;
+        int32_t value;  // item fetched when result is true
+        int32_t index;  // GetCurrentIndex afterwards
+    } rows[] = {
+        {"before first, Next", 3, 0, {}, {kNext}, true, 1, 1},
+        {"before first, Next on empty", 0, 0, {}, {kNext}, false, 0, kIteratorPastEnd},
+        {"on item, Next", 3, 2, {}, {kNext}, true, 3, 3},
+        {"on last, Next", 3, 3, {}, {kNext}, false, 0, kIteratorPastEnd},
+        {"on item, Previous", 3, 2, {}, {kPrevious}, true, 1, 1},
+        {"on item 1, Previous", 3, 1, {}, {kPrevious}, false, 0, 0},
+        {"before first, Previous", 3, 0, {}, {kPrevious}, false, 0, 0},
+        {"past end, Next", 3, -1, {}, {kNext}, false, 0, kIteratorPastEnd},
+        {"past end, Previous", 3, -1, {}, {kPrevious}, true, 3, 3},
+        {"past end, Previous on empty", 0, -1, {}, {kPrevious}, false, 0, 0},
+        {"item removed, Next", 4, 2, {{2, 2}}, {kNext}, true, 4, 2},
+        {"item removed, Next with nothing after",
+         3,
+         2,
+         {{2, 2}},
+         {kNext},
+         false,
+         0,
+         kIteratorPastEnd},
+        {"item removed, Previous", 4, 3, {{2, 2}}, {kPrevious}, true, 1, 1},
+        {"item removed from item 1, Previous", 4, 1, {{2, 1}}, {kPrevious}, false, 0, 0},
+        {"item removed with nothing after, Previous", 4, 4, {{2, 3}}, {kPrevious}, true, 2, 2},
+        {"last removed while on it, append, Previous",
+         3,
+         3,
+         {{1, 3}, {0, kLastIndex}},
+         {kPrevious},
+         true,
+         99,
+         3},
+        {"stale next after the last was removed, Next", 3, 2, {{1, 3}}, {kNext}, false, 0, 3},
+        {"stale next, Next then Previous returns to the last",
+         3,
+         2,
+         {{1, 3}},
+         {kNext, kPrevious},
+         true,
+         2,
+         2},
+        {"past end on empty sees no later insertion",
+         0,
+         -1,
+         {{0, 1}},
+         {kNext},
+         false,
+         0,
+         kIteratorPastEnd},
+    };
+    for (const auto& r : rows) {
+        SCOPED_TRACE(r.what);
+        auto array = MakeArray(r.items);
+        LArrayIterator it(*array, 0);
+        if (r.resetTo != 0) it.ResetTo(r.resetTo);
+        for (const Edit& e : r.edits) Apply(*array, it, e);
+        bool got = false;
+        int32_t v = 0;
+        for (Op op : r.ops) got = op == kNext ? it.Next(&v) : it.Previous(&v);
+        EXPECT_EQ(got, r.result);
+        if (r.result) {
+            EXPECT_EQ(v, r.value);
+        }
+        EXPECT_EQ(it.GetCurrentIndex(), r.index);
     }
-    EXPECT_EQ(it.GetCurrentIndex(), r.index);
-  }
 }
 
 TEST(LArrayIteratorStates, ResetToPositions) {
-  const struct {
-    int32_t position, index;
-  } cases[] = {{-1, kIteratorPastEnd}, {0, 0}, {-5, 0}, {2, 2}, {3, 3}, {4, kIteratorPastEnd},
-               {kLastIndex, kIteratorPastEnd}};
-  auto array = MakeArray(3);
-  for (const auto& c : cases) {
-    LArrayIterator it(*array, c.position);
-    EXPECT_EQ(it.GetCurrentIndex(), c.index) << c.position;
-  }
-  LArrayIterator fresh(*MakeArray(0), 0);  // its array dies at once
-  int32_t v;
-  EXPECT_FALSE(fresh.Next(&v));
+    const struct {
+        int32_t position, index;
+    } cases[] = {
+        {-1, kIteratorPastEnd},        {0, 0}, {-5, 0}, {2, 2}, {3, 3}, {4, kIteratorPastEnd},
+        {kLastIndex, kIteratorPastEnd}};
+    auto array = MakeArray(3);
+    for (const auto& c : cases) {
+        LArrayIterator it(*array, c.position);
+        EXPECT_EQ(it.GetCurrentIndex(), c.index) << c.position;
+    }
+    LArrayIterator fresh(*MakeArray(0), 0);  // its array dies at once
+    int32_t v;
+    EXPECT_FALSE(fresh.Next(&v));
 }
 
 TEST(LArrayIteratorLife, ArrayDestroyedDuringAWalk) {
-  auto array = MakeArray(4);
-  auto outer = std::make_unique<LArrayIterator>(*array, 0);
-  LArrayIterator inner(*array, 3);
-  std::vector<int32_t> visited;
-  int32_t v = 0;
-  while (outer->Next(&v)) {
-    visited.push_back(v);
-    if (v == 2) array.reset();
-  }
-  EXPECT_EQ(visited, (std::vector<int32_t>{1, 2}));
-  for (LArrayIterator* it : {outer.get(), &inner}) {
-    uint32_t size = 4;
-    EXPECT_EQ(it->GetCurrentIndex(), kIteratorArrayDead);
-    EXPECT_FALSE(it->Next(&v));
-    EXPECT_FALSE(it->Previous(&v, size));
-    EXPECT_FALSE(it->Current(&v, size));
-    it->ResetTo(1);
-    EXPECT_EQ(it->GetCurrentIndex(), kIteratorArrayDead);
-  }
-  outer.reset();  // must not touch the dead array (ASan would see it)
+    auto array = MakeArray(4);
+    auto outer = std::make_unique<LArrayIterator>(*array, 0);
+    LArrayIterator inner(*array, 3);
+    std::vector<int32_t> visited;
+    int32_t v = 0;
+    while (outer->Next(&v)) {
+        visited.push_back(v);
+        if (v == 2) array.reset();
+    }
+    EXPECT_EQ(visited, (std::vector<int32_t>{1, 2}));
+    for (LArrayIterator* it : {outer.get(), &inner}) {
+        uint32_t size = 4;
+        EXPECT_EQ(it->GetCurrentIndex(), kIteratorArrayDead);
+        EXPECT_FALSE(it->Next(&v));
+        EXPECT_FALSE(it->Previous(&v, size));
+        EXPECT_FALSE(it->Current(&v, size));
+        it->ResetTo(1);
+        EXPECT_EQ(it->GetCurrentIndex(), kIteratorArrayDead);
+    }
+    outer.reset();  // must not touch the dead array (ASan would see it)
 }
 
 TEST(LArrayIteratorLife, IteratorsDetachInAnyOrder) {
-  auto array = MakeArray(3);
-  auto a = std::make_unique<LArrayIterator>(*array, 0);
-  auto b = std::make_unique<LArrayIterator>(*array, 1);
-  auto c = std::make_unique<LArrayIterator>(*array, 2);
-  b.reset();  // the middle of the chain
-  array->RemoveItemsAt(1, 1);
-  EXPECT_EQ(a->GetCurrentIndex(), 0);
-  EXPECT_EQ(c->GetCurrentIndex(), 1);
-  c.reset();
-  a.reset();
-  Insert(*array, 7, 1);  // no iterator left to tell
-  EXPECT_EQ(Contents(*array), (std::vector<int32_t>{7, 2, 3}));
+    auto array = MakeArray(3);
+    auto a = std::make_unique<LArrayIterator>(*array, 0);
+    auto b = std::make_unique<LArrayIterator>(*array, 1);
+    auto c = std::make_unique<LArrayIterator>(*array, 2);
+    b.reset();  // the middle of the chain
+    array->RemoveItemsAt(1, 1);
+    EXPECT_EQ(a->GetCurrentIndex(), 0);
+    EXPECT_EQ(c->GetCurrentIndex(), 1);
+    c.reset();
+    a.reset();
+    Insert(*array, 7, 1);  // no iterator left to tell
+    EXPECT_EQ(Contents(*array), (std::vector<int32_t>{7, 2, 3}));
 }
 
 // The broadcast pattern: a list of pointers walked while entries remove
 // themselves or others and new ones are appended.
 TEST(LListIteratorWalk, ListenersRemovedAndAddedDuringAWalk) {
-  int slots[6] = {};
-  LList list;
-  for (int i = 0; i < 4; ++i) {
-    void* p = &slots[i];
-    list.InsertItemsAt(1, kLastIndex, &p, 0);
-  }
-  LListIterator it(list, 0);
-  std::vector<int*> called;
-  void* p = nullptr;
-  while (it.Next(&p)) {
-    int* who = static_cast<int*>(p);
-    called.push_back(who);
-    if (who == &slots[1]) {
-      list.Remove(&p, 0);  // removes itself
-      void* first = &slots[0];
-      list.Remove(&first, 0);  // and an earlier one
-      void* added = &slots[4];
-      list.InsertItemsAt(1, kLastIndex, &added, 0);
+    int slots[6] = {};
+    LList list;
+    for (int i = 0; i < 4; ++i) {
+        void* p = &slots[i];
+        list.InsertItemsAt(1, kLastIndex, &p, 0);
     }
-  }
-  EXPECT_EQ(called, (std::vector<int*>{&slots[0], &slots[1], &slots[2], &slots[3], &slots[4]}));
-  EXPECT_EQ(list.GetCount(), 3u);
+    LListIterator it(list, 0);
+    std::vector<int*> called;
+    void* p = nullptr;
+    while (it.Next(&p)) {
+        int* who = static_cast<int*>(p);
+        called.push_back(who);
+        if (who == &slots[1]) {
+            list.Remove(&p, 0);  // removes itself
+            void* first = &slots[0];
+            list.Remove(&first, 0);  // and an earlier one
+            void* added = &slots[4];
+            list.InsertItemsAt(1, kLastIndex, &added, 0);
+        }
+    }
+    EXPECT_EQ(called, (std::vector<int*>{&slots[0], &slots[1], &slots[2], &slots[3], &slots[4]}));
+    EXPECT_EQ(list.GetCount(), 3u);
 }
 
 }  // namespace

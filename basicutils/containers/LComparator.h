@@ -33,32 +33,32 @@ BASICUTILS_EXPORT int32_t BlockCompare(const void* a, const void* b, uint32_t aS
                                        uint32_t bSize);
 
 class BASICUTILS_EXPORT LComparator {
- public:
-  LComparator() = default;
-  virtual ~LComparator();
+  public:
+    LComparator() = default;
+    virtual ~LComparator();
 
-  virtual int32_t Compare(const void* a, const void* b, uint32_t aSize, uint32_t bSize) const;
-  virtual bool IsEqualTo(const void* a, const void* b, uint32_t aSize, uint32_t bSize) const;
-  virtual int32_t CompareToKey(const void* item, uint32_t size, const void* key) const;
-  virtual bool IsEqualToKey(const void* item, uint32_t size, const void* key) const;
+    virtual int32_t Compare(const void* a, const void* b, uint32_t aSize, uint32_t bSize) const;
+    virtual bool IsEqualTo(const void* a, const void* b, uint32_t aSize, uint32_t bSize) const;
+    virtual int32_t CompareToKey(const void* item, uint32_t size, const void* key) const;
+    virtual bool IsEqualToKey(const void* item, uint32_t size, const void* key) const;
 };
 
 class BASICUTILS_EXPORT LLongComparator : public LComparator {
- public:
-  LLongComparator() = default;
-  ~LLongComparator() override;
+  public:
+    LLongComparator() = default;
+    ~LLongComparator() override;
 
-  int32_t Compare(const void* a, const void* b, uint32_t aSize, uint32_t bSize) const override;
-  bool IsEqualTo(const void* a, const void* b, uint32_t aSize, uint32_t bSize) const override;
+    int32_t Compare(const void* a, const void* b, uint32_t aSize, uint32_t bSize) const override;
+    bool IsEqualTo(const void* a, const void* b, uint32_t aSize, uint32_t bSize) const override;
 };
 
 class BASICUTILS_EXPORT LPointerComparator : public LComparator {
- public:
-  LPointerComparator() = default;
-  ~LPointerComparator() override;
+  public:
+    LPointerComparator() = default;
+    ~LPointerComparator() override;
 
-  int32_t Compare(const void* a, const void* b, uint32_t aSize, uint32_t bSize) const override;
-  bool IsEqualTo(const void* a, const void* b, uint32_t aSize, uint32_t bSize) const override;
+    int32_t Compare(const void* a, const void* b, uint32_t aSize, uint32_t bSize) const override;
+    bool IsEqualTo(const void* a, const void* b, uint32_t aSize, uint32_t bSize) const override;
 };
 
 }  // namespace basicutils

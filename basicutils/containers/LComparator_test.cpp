@@ -1,5 +1,4 @@
 #include <basicutils/containers/LComparator.h>
-
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -8,39 +7,39 @@ namespace basicutils {
 namespace {
 
 TEST(BlockCompare, ByteDifferenceThenLength) {
-  const unsigned char ab[] = {0x61, 0x62}, abc[] = {0x61, 0x62, 0x63};
-  const unsigned char ff[] = {0xFF}, one[] = {0x01};
-  EXPECT_EQ(BlockCompare(ab, abc, 2, 3), -1);
-  EXPECT_EQ(BlockCompare(abc, ab, 3, 2), 1);
-  EXPECT_EQ(BlockCompare(ff, one, 1, 1), 254);
-  EXPECT_EQ(BlockCompare(one, ff, 1), -254);
-  EXPECT_EQ(BlockCompare(ab, abc, 2), 0);
-  EXPECT_EQ(BlockCompare(ff, one, 0), 0);
-  EXPECT_EQ(BlockCompare(ab, abc, 0, 0xFFFFFFFFu), 1);  // 0 - 0xFFFFFFFF wraps to 1
-  EXPECT_TRUE(BlocksAreEqual(ab, abc, 2));
-  EXPECT_TRUE(BlocksAreEqual(ff, one, 0));
-  EXPECT_FALSE(BlocksAreEqual(ab, abc + 1, 1));
+    const unsigned char ab[] = {0x61, 0x62}, abc[] = {0x61, 0x62, 0x63};
+    const unsigned char ff[] = {0xFF}, one[] = {0x01};
+    EXPECT_EQ(BlockCompare(ab, abc, 2, 3), -1);
+    EXPECT_EQ(BlockCompare(abc, ab, 3, 2), 1);
+    EXPECT_EQ(BlockCompare(ff, one, 1, 1), 254);
+    EXPECT_EQ(BlockCompare(one, ff, 1), -254);
+    EXPECT_EQ(BlockCompare(ab, abc, 2), 0);
+    EXPECT_EQ(BlockCompare(ff, one, 0), 0);
+    EXPECT_EQ(BlockCompare(ab, abc, 0, 0xFFFFFFFFu), 1);  // 0 - 0xFFFFFFFF wraps to 1
+    EXPECT_TRUE(BlocksAreEqual(ab, abc, 2));
+    EXPECT_TRUE(BlocksAreEqual(ff, one, 0));
+    EXPECT_FALSE(BlocksAreEqual(ab, abc + 1, 1));
 }
 
 TEST(Comparators, LongComparatorWrapsAndPointerComparatorOrders) {
-  const LLongComparator longs;
-  const struct {
-    int32_t a, b, sign;
-  } cases[] = {{5, 3, 1}, {3, 5, -1}, {7, 7, 0}, {0x7FFFFFFF, -1, -1}, {-1000, 1000, -1}};
-  for (const auto& c : cases) {
-    const int32_t r = longs.Compare(&c.a, &c.b, 4, 4);
-    EXPECT_EQ((r > 0) - (r < 0), c.sign) << c.a << " " << c.b;
-    EXPECT_EQ(longs.IsEqualTo(&c.a, &c.b, 0, 0), c.sign == 0 && c.a == c.b);
-  }
-  const LPointerComparator pointers;
-  const intptr_t lo = 0x100000000, hi = 0x200000000;  // equal in their low 32 bits
-  EXPECT_EQ(pointers.Compare(&lo, &hi, 8, 8), -1);
-  EXPECT_EQ(pointers.Compare(&hi, &lo, 8, 8), 1);
-  EXPECT_FALSE(pointers.IsEqualTo(&lo, &hi, 8, 8));
-  const LComparator bytes;
-  EXPECT_EQ(bytes.CompareToKey(&lo, 8, &lo), 1);
-  EXPECT_FALSE(bytes.IsEqualToKey(&lo, 8, &lo));
-  EXPECT_TRUE(bytes.IsEqualTo(&lo, &lo, 8, 8));
+    const LLongComparator longs;
+    const struct {
+        int32_t a, b, sign;
+    } cases[] = {{5, 3, 1}, {3, 5, -1}, {7, 7, 0}, {0x7FFFFFFF, -1, -1}, {-1000, 1000, -1}};
+    for (const auto& c : cases) {
+        const int32_t r = longs.Compare(&c.a, &c.b, 4, 4);
+        EXPECT_EQ((r > 0) - (r < 0), c.sign) << c.a << " " << c.b;
+        EXPECT_EQ(longs.IsEqualTo(&c.a, &c.b, 0, 0), c.sign == 0 && c.a == c.b);
+    }
+    const LPointerComparator pointers;
+    const intptr_t lo = 0x100000000, hi = 0x200000000;  // equal in their low 32 bits
+    EXPECT_EQ(pointers.Compare(&lo, &hi, 8, 8), -1);
+    EXPECT_EQ(pointers.Compare(&hi, &lo, 8, 8), 1);
+    EXPECT_FALSE(pointers.IsEqualTo(&lo, &hi, 8, 8));
+    const LComparator bytes;
+    EXPECT_EQ(bytes.CompareToKey(&lo, 8, &lo), 1);
+    EXPECT_FALSE(bytes.IsEqualToKey(&lo, 8, &lo));
+    EXPECT_TRUE(bytes.IsEqualTo(&lo, &lo, 8, 8));
 }
 
 }  // namespace

@@ -16,14 +16,14 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT LList : public LArray {
- public:
-  LList();
-  LList(uint32_t itemSize, uint32_t reserveCount);
-  ~LList() override;
+  public:
+    LList();
+    LList(uint32_t itemSize, uint32_t reserveCount);
+    ~LList() override;
 
-  // Overwrites the item at a valid index; otherwise inserts there, which
-  // prepends or appends by the clamping of InsertItemsAt.
-  virtual void SetItemAt(int32_t index, const void* item);
+    // Overwrites the item at a valid index; otherwise inserts there, which
+    // prepends or appends by the clamping of InsertItemsAt.
+    virtual void SetItemAt(int32_t index, const void* item);
 };
 
 }  // namespace basicutils

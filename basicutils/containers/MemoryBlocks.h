@@ -24,83 +24,83 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT StHandleBlock {
- public:
-  StHandleBlock(int32_t size, bool useTempMemory = false, bool throwFail = true);
-  StHandleBlock(const StHandleBlock&) = delete;
-  StHandleBlock& operator=(const StHandleBlock&) = delete;
-  ~StHandleBlock();
-  operator Handle*() const { return mHandle; }
+  public:
+    StHandleBlock(int32_t size, bool useTempMemory = false, bool throwFail = true);
+    StHandleBlock(const StHandleBlock&) = delete;
+    StHandleBlock& operator=(const StHandleBlock&) = delete;
+    ~StHandleBlock();
+    operator Handle*() const { return mHandle; }
 
- protected:
-  Handle* mHandle;
+  protected:
+    Handle* mHandle;
 };
 
 class BASICUTILS_EXPORT StClearHandleBlock {
- public:
-  StClearHandleBlock(int32_t size, bool throwFail = true);
-  StClearHandleBlock(const StClearHandleBlock&) = delete;
-  StClearHandleBlock& operator=(const StClearHandleBlock&) = delete;
-  ~StClearHandleBlock();
-  operator Handle*() const { return mHandle; }
+  public:
+    StClearHandleBlock(int32_t size, bool throwFail = true);
+    StClearHandleBlock(const StClearHandleBlock&) = delete;
+    StClearHandleBlock& operator=(const StClearHandleBlock&) = delete;
+    ~StClearHandleBlock();
+    operator Handle*() const { return mHandle; }
 
- protected:
-  Handle* mHandle;
+  protected:
+    Handle* mHandle;
 };
 
 class BASICUTILS_EXPORT StTempHandle {
- public:
-  StTempHandle(int32_t size, bool throwFail = true);
-  StTempHandle(const StTempHandle&) = delete;
-  StTempHandle& operator=(const StTempHandle&) = delete;
-  ~StTempHandle();
-  operator Handle*() const { return mHandle; }
+  public:
+    StTempHandle(int32_t size, bool throwFail = true);
+    StTempHandle(const StTempHandle&) = delete;
+    StTempHandle& operator=(const StTempHandle&) = delete;
+    ~StTempHandle();
+    operator Handle*() const { return mHandle; }
 
- protected:
-  Handle* mHandle;
+  protected:
+    Handle* mHandle;
 };
 
 class BASICUTILS_EXPORT StHandleLocker {
- public:
-  explicit StHandleLocker(Handle* handle);
-  StHandleLocker(const StHandleLocker&) = delete;
-  StHandleLocker& operator=(const StHandleLocker&) = delete;
-  ~StHandleLocker();
+  public:
+    explicit StHandleLocker(Handle* handle);
+    StHandleLocker(const StHandleLocker&) = delete;
+    StHandleLocker& operator=(const StHandleLocker&) = delete;
+    ~StHandleLocker();
 };
 
 class BASICUTILS_EXPORT StPointerBlock {
- public:
-  StPointerBlock(int32_t size, bool throwFail = true);
-  StPointerBlock(const StPointerBlock&) = delete;
-  StPointerBlock& operator=(const StPointerBlock&) = delete;
-  ~StPointerBlock();
-  operator char*() const { return mPointer; }
+  public:
+    StPointerBlock(int32_t size, bool throwFail = true);
+    StPointerBlock(const StPointerBlock&) = delete;
+    StPointerBlock& operator=(const StPointerBlock&) = delete;
+    ~StPointerBlock();
+    operator char*() const { return mPointer; }
 
- protected:
-  char* mPointer;
+  protected:
+    char* mPointer;
 };
 
 class BASICUTILS_EXPORT StClearPointerBlock {
- public:
-  StClearPointerBlock(int32_t size, bool throwFail = true);
-  StClearPointerBlock(const StClearPointerBlock&) = delete;
-  StClearPointerBlock& operator=(const StClearPointerBlock&) = delete;
-  ~StClearPointerBlock();
-  operator char*() const { return mPointer; }
+  public:
+    StClearPointerBlock(int32_t size, bool throwFail = true);
+    StClearPointerBlock(const StClearPointerBlock&) = delete;
+    StClearPointerBlock& operator=(const StClearPointerBlock&) = delete;
+    ~StClearPointerBlock();
+    operator char*() const { return mPointer; }
 
- protected:
-  char* mPointer;
+  protected:
+    char* mPointer;
 };
 
 class BASICUTILS_EXPORT StMemoryState {
- public:
-  explicit StMemoryState(const char16_t* text = nullptr);
-  StMemoryState(const StMemoryState&) = delete;
-  StMemoryState& operator=(const StMemoryState&) = delete;
-  ~StMemoryState();
+  public:
+    explicit StMemoryState(const char16_t* text = nullptr);
+    StMemoryState(const StMemoryState&) = delete;
+    StMemoryState& operator=(const StMemoryState&) = delete;
+    ~StMemoryState();
 
- protected:
-  MString mText;
-  int32_t mState;
+  protected:
+    MString mText;
+    int32_t mState;
 };
 
 }  // namespace basicutils

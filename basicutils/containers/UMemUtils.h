@@ -14,9 +14,9 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT UMemUtils {
- public:
-  static void memcpy(void* destination, const void* source, unsigned int size);
-  static void* memset(void* destination, int value, unsigned int size);
+  public:
+    static void memcpy(void* destination, const void* source, unsigned int size);
+    static void* memset(void* destination, int value, unsigned int size);
 };
 
 }  // namespace basicutils

@@ -40,8 +40,12 @@ void CMessageAction::InformWithoutReturn(void* context, const char16_t* text,
 void CMessageAction::SimpleOutput(void* context, const char16_t* text, message_action_t type) {
     sMessageAction._SimpleOutput(context, text, GetWindowType(type));
 }
-void CMessageAction::Return(message_action_t type) { sMessageAction._Return(GetWindowType(type)); }
-void CMessageAction::Clear(message_action_t type) { sMessageAction._Clear(GetWindowType(type)); }
+void CMessageAction::Return(message_action_t type) {
+    sMessageAction._Return(GetWindowType(type));
+}
+void CMessageAction::Clear(message_action_t type) {
+    sMessageAction._Clear(GetWindowType(type));
+}
 
 void CMessageAction::SetDefault(message_action_t type) {
     sDefaultType.store(type, std::memory_order_relaxed);
@@ -51,7 +55,9 @@ message_action_t CMessageAction::GetWindowType(message_action_t type) {
     return type != kMessageWindowDefault ? type : sDefaultType.load(std::memory_order_relaxed);
 }
 
-CMessageAction* CMessageAction::GetMessageAction() { return &sMessageAction; }
+CMessageAction* CMessageAction::GetMessageAction() {
+    return &sMessageAction;
+}
 
 void CMessageAction::_Error(void* context, const char16_t* text, message_action_t type) {
     Report(kKindError, type, context, text);
@@ -72,7 +78,9 @@ void CMessageAction::_SimpleOutput(void* context, const char16_t* text, message_
 void CMessageAction::_Return(message_action_t type) {
     Report(kKindReturn, type, nullptr, kEmptyText);
 }
-void CMessageAction::_Clear(message_action_t type) { Report(kKindClear, type, nullptr, nullptr); }
+void CMessageAction::_Clear(message_action_t type) {
+    Report(kKindClear, type, nullptr, nullptr);
+}
 
 void CMessageAction::Report(int32_t kind, message_action_t type, void* context,
                             const char16_t* text) {

@@ -20,11 +20,11 @@
 // another thread that might be reporting. sDefaultType is atomic.
 #pragma once
 
-#include <atomic>
-#include <cstdint>
-
 #include <basicutils/Export.h>
 #include <basicutils/messaging/ChannelBroadcaster.h>
+
+#include <atomic>
+#include <cstdint>
 
 namespace basicutils {
 
@@ -46,7 +46,7 @@ struct SInteractionInfo {
 };
 
 class BASICUTILS_EXPORT CMessageAction : public detail::ChannelBroadcaster {
-public:
+  public:
     CMessageAction();
     CMessageAction(const CMessageAction& other);
     CMessageAction& operator=(const CMessageAction& other);
@@ -70,11 +70,10 @@ public:
     static message_action_t GetWindowType(message_action_t type);
     static CMessageAction* GetMessageAction();
 
-
     static CMessageAction sMessageAction;
     static std::atomic<message_action_t> sDefaultType;
 
-protected:
+  protected:
     void _Error(void* context, const char16_t* text, message_action_t type);
     void _Warning(void* context, const char16_t* text, message_action_t type);
     void _Inform(void* context, const char16_t* text, message_action_t type);
@@ -86,7 +85,7 @@ protected:
     // Every report passes here; a subclass can catch them all.
     virtual void BroadcastInteraction(int32_t message, void* context, const char16_t* text);
 
-private:
+  private:
     // Sends one report of `kind` to the resolved window `type`.
     void Report(int32_t kind, message_action_t type, void* context, const char16_t* text);
 };

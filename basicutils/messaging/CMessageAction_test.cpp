@@ -1,7 +1,6 @@
 // Report numbers by kind and window, the record of each kind, listeners that
 // change the list during reports, and reports from many threads.
 #include <basicutils/messaging/CMessageAction.h>
-
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -21,7 +20,7 @@ struct Heard {
 };
 
 class Recorder : public LListener {
-public:
+  public:
     std::vector<Heard> heard;
     std::function<void(int32_t)> onMessage;
     bool ListenToMessage(int32_t message, void* param) override {
@@ -62,9 +61,8 @@ TEST(CMessageAction, NumbersFollowKindAndResolvedWindow) {
         {kMessageWindow2, noReturn, 0, 26014}, {kMessageWindow1, simple, 1, 26005},
         {kMessageWindow1, ret, 2, 26016},      {kMessageWindow5, ret, 0, 26046},
         {kMessageWindowDefault, error, 0, 0},  {kMessageWindowDefault, inform, 2, 26012},
-        {kMessageWindow3, simple, 0, 26025},
-        {kMessageWindow1, error, 6, 0},        {kMessageWindow1, warning, -1, 0},
-        {static_cast<message_action_t>(9), clear, 0, 0},
+        {kMessageWindow3, simple, 0, 26025},   {kMessageWindow1, error, 6, 0},
+        {kMessageWindow1, warning, -1, 0},     {static_cast<message_action_t>(9), clear, 0, 0},
     };
     Recorder recorder;
     CMessageAction::GetMessageAction()->AddListener(&recorder);
@@ -73,7 +71,8 @@ TEST(CMessageAction, NumbersFollowKindAndResolvedWindow) {
         recorder.heard.clear();
         c.call(static_cast<message_action_t>(c.type));
         if (c.expected == 0) {
-            EXPECT_TRUE(recorder.heard.empty()) << "default " << c.defaultType << " type " << c.type;
+            EXPECT_TRUE(recorder.heard.empty())
+                << "default " << c.defaultType << " type " << c.type;
         } else {
             ASSERT_EQ(recorder.heard.size(), 1u);
             EXPECT_EQ(recorder.heard[0].message, c.expected);
@@ -102,12 +101,12 @@ TEST(CMessageAction, RecordsCarryContextAndTextByKind) {
 
 // A derived channel sees every report in BroadcastInteraction.
 class Counting : public CMessageAction {
-public:
+  public:
     std::vector<int32_t> numbers;
     void ErrorHere(const char16_t* text, message_action_t t) { _Error(nullptr, text, t); }
     void ClearHere(message_action_t t) { _Clear(t); }
 
-protected:
+  protected:
     void BroadcastInteraction(int32_t message, void* context, const char16_t* text) override {
         numbers.push_back(message);
         CMessageAction::BroadcastInteraction(message, context, text);

@@ -30,7 +30,9 @@ void CThreadStatus::AdvancePosition(int64_t step) {
 void CThreadStatus::SetDescription(const char16_t* description) {
     sThreadStatus.BroadcastStatus(kStatusMaskDescription, 0, 0, nullptr, description);
 }
-CThreadStatus* CThreadStatus::GetThreadStatus() { return &sThreadStatus; }
+CThreadStatus* CThreadStatus::GetThreadStatus() {
+    return &sThreadStatus;
+}
 
 void CThreadStatus::BroadcastStatus(int mask, int64_t position, int64_t range,
                                     const char16_t* status, const char16_t* description) {

@@ -13,11 +13,11 @@
 // might be reporting.
 #pragma once
 
-#include <cstdint>
-
 #include <basicutils/Export.h>
 #include <basicutils/messaging/ChannelBroadcaster.h>
 #include <basicutils/text/MString.h>
+
+#include <cstdint>
 
 namespace basicutils {
 
@@ -39,7 +39,7 @@ struct SThreadStatusInfo {
 };
 
 class BASICUTILS_EXPORT CThreadStatus : public detail::ChannelBroadcaster {
-public:
+  public:
     CThreadStatus();
     CThreadStatus(const CThreadStatus& other);
     CThreadStatus& operator=(const CThreadStatus& other);
@@ -57,9 +57,7 @@ public:
     void BroadcastStatus(int mask, int64_t position, int64_t range, const char16_t* status,
                          const char16_t* description);
 
-
     static CThreadStatus sThreadStatus;
-
 };
 
 }  // namespace basicutils

@@ -1,6 +1,5 @@
 // Each status call delivers one record with its mask and only its fields.
 #include <basicutils/messaging/CThreadStatus.h>
-
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -18,7 +17,7 @@ struct Record {
 };
 
 class Recorder : public LListener {
-public:
+  public:
     std::vector<Record> records;
     std::vector<int32_t> numbers;
     bool ListenToMessage(int32_t message, void* param) override {

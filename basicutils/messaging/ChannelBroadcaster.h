@@ -6,16 +6,16 @@
 // channel's own type (GetMessageAction(), GetThreadStatus()).
 #pragma once
 
-#include <cstdint>
-#include <mutex>
-
 #include <basicutils/Export.h>
 #include <basicutils/messaging/LBroadcaster.h>
+
+#include <cstdint>
+#include <mutex>
 
 namespace basicutils::detail {
 
 class BASICUTILS_EXPORT ChannelBroadcaster : public LBroadcaster {
-public:
+  public:
     ChannelBroadcaster() = default;
     ChannelBroadcaster(const ChannelBroadcaster& other) : LBroadcaster(other) {}
     ChannelBroadcaster& operator=(const ChannelBroadcaster& other) {
@@ -26,10 +26,10 @@ public:
     void AddListener(LListener* listener);
     void RemoveListener(LListener* listener);
 
-protected:
+  protected:
     void BroadcastLocked(int32_t message, void* param);
 
-private:
+  private:
     std::recursive_mutex mChannelLock;
 };
 

@@ -1,7 +1,6 @@
-#include <basicutils/messaging/LBroadcaster.h>
-
 #include <basicutils/containers/LArrayIterator.h>
 #include <basicutils/containers/LList.h>
+#include <basicutils/messaging/LBroadcaster.h>
 
 namespace basicutils {
 
@@ -69,7 +68,9 @@ LListener::~LListener() {
     }
 }
 
-bool LListener::ListenToMessage(int32_t, void*) { return false; }
+bool LListener::ListenToMessage(int32_t, void*) {
+    return false;
+}
 
 void LListener::AddBroadcaster(LBroadcaster* broadcaster) {
     if (mBroadcasters == nullptr) mBroadcasters = new LList;

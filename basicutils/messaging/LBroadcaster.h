@@ -21,9 +21,9 @@
 // by its owner.
 #pragma once
 
-#include <cstdint>
-
 #include <basicutils/Export.h>
+
+#include <cstdint>
 
 namespace basicutils {
 
@@ -37,13 +37,13 @@ inline constexpr int32_t kMsgNotify = 99999;         // argument: SNotifyRecord*
 // An empty base class shared by broadcasters and idle processes. It has no
 // data and does nothing; the flag of its constructor is ignored.
 class BASICUTILS_EXPORT CMemoryCheck {
-public:
+  public:
     CMemoryCheck() = default;
     explicit CMemoryCheck(bool) {}
 };
 
 class BASICUTILS_EXPORT LBroadcaster : public CMemoryCheck {
-public:
+  public:
     LBroadcaster();
     // A copy has no listeners; only the broadcasting switch is copied.
     LBroadcaster(const LBroadcaster& other);
@@ -63,13 +63,13 @@ public:
     void StopBroadcasting() { mIsBroadcasting = false; }
     bool IsBroadcasting() const { return mIsBroadcasting; }
 
-protected:
+  protected:
     LList* mListeners;     // LListener* items; made by the first AddListener
     bool mIsBroadcasting;  // true in a new object
 };
 
 class BASICUTILS_EXPORT LListener {
-public:
+  public:
     LListener();
     // A copy has no registrations; only the listening switch is copied.
     LListener(const LListener& other);
@@ -84,7 +84,7 @@ public:
     void StopListening() { mIsListening = false; }
     bool IsListening() const { return mIsListening; }
 
-protected:
+  protected:
     friend class LBroadcaster;
     // Kept by LBroadcaster: appends (no duplicate search) and removes.
     void AddBroadcaster(LBroadcaster* broadcaster);

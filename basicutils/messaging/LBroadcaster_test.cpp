@@ -1,17 +1,15 @@
 // Broadcasters and listeners: registration on both sides, and what happens
 // when the set of listeners, or the broadcaster itself, changes during a
 // broadcast.
+#include <basicutils/containers/LList.h>
 #include <basicutils/messaging/LBroadcaster.h>
 #include <basicutils/messaging/LNotifier.h>
-
-#include <basicutils/containers/LList.h>
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace basicutils {
 namespace {
@@ -112,14 +110,10 @@ TEST(LBroadcaster, ChangesDuringABroadcast) {
          },
          {"a:1", "b:1"}},
         {"current destroys itself",
-         [](Broadcaster&, auto& ls, Log&) {
-             ls[0]->action = [&ls](int32_t) { ls[0].reset(); };
-         },
+         [](Broadcaster&, auto& ls, Log&) { ls[0]->action = [&ls](int32_t) { ls[0].reset(); }; },
          {"a:1", "b:1", "c:1"}},
         {"current destroys a later one",
-         [](Broadcaster&, auto& ls, Log&) {
-             ls[0]->action = [&ls](int32_t) { ls[1].reset(); };
-         },
+         [](Broadcaster&, auto& ls, Log&) { ls[0]->action = [&ls](int32_t) { ls[1].reset(); }; },
          {"a:1", "c:1"}},
         {"a listener added during the walk hears the message under way",
          [](Broadcaster& bc, auto& ls, Log& log) {

@@ -11,7 +11,9 @@ void LNotifier::Notify(int32_t message, const char16_t* text) {
     Notify(message, 0, reinterpret_cast<intptr_t>(text));
 }
 
-void LNotifier::AddResponder(LResponder* responder) { AddListener(responder); }
+void LNotifier::AddResponder(LResponder* responder) {
+    AddListener(responder);
+}
 
 bool LResponder::ListenToMessage(int32_t message, void* param) {
     if (message != kMsgNotify) return false;
@@ -19,10 +21,11 @@ bool LResponder::ListenToMessage(int32_t message, void* param) {
     return Respond(record->mMessage, record->mNotifier, record->mParam1, record->mParam2);
 }
 
-bool LResponder::Respond(int32_t, LNotifier*, int32_t, intptr_t) { return false; }
+bool LResponder::Respond(int32_t, LNotifier*, int32_t, intptr_t) {
+    return false;
+}
 
-void LResponder::PassNotify(int32_t message, LNotifier* notifier, int32_t param1,
-                            intptr_t param2) {
+void LResponder::PassNotify(int32_t message, LNotifier* notifier, int32_t param1, intptr_t param2) {
     auto* broadcaster = dynamic_cast<LBroadcaster*>(this);
     if (broadcaster == nullptr) return;
     SNotifyRecord record{message, notifier, param1, param2};

@@ -8,10 +8,10 @@
 // lives only for the length of the broadcast.
 #pragma once
 
-#include <cstdint>
-
 #include <basicutils/Export.h>
 #include <basicutils/messaging/LBroadcaster.h>
+
+#include <cstdint>
 
 namespace basicutils {
 
@@ -37,7 +37,7 @@ struct SNotifyRecord {
 // A broadcaster that sends notifications. LBroadcaster is a virtual base, so
 // a class that is a notifier by several paths has one broadcaster part.
 class BASICUTILS_EXPORT LNotifier : public virtual LBroadcaster {
-public:
+  public:
     LNotifier() = default;
     LNotifier(const LNotifier& other) : LBroadcaster(other) {}
     // Assigns nothing: neither listeners nor the broadcasting switch.
@@ -51,7 +51,7 @@ public:
 };
 
 class BASICUTILS_EXPORT LResponder : public LListener {
-public:
+  public:
     LResponder() = default;
     virtual ~LResponder() = default;
 

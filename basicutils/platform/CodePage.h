@@ -31,9 +31,9 @@
 // A surrogate pair that Mac Roman cannot hold becomes one default character.
 #pragma once
 
-#include <cstdint>
-
 #include <basicutils/Export.h>
+
+#include <cstdint>
 
 namespace basicutils {
 

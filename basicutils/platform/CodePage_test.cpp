@@ -1,12 +1,10 @@
 #include <basicutils/platform/CodePage.h>
-
+#include <basicutils/platform/Errors.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <string>
 #include <vector>
-
-#include <basicutils/platform/Errors.h>
 
 namespace basicutils {
 namespace {
@@ -14,8 +12,8 @@ namespace {
 // Decodes with a destination exactly as large as the size query said, and
 // checks that the query and the conversion agree.
 std::u16string Decode(const std::string& bytes, uint32_t cp = CP_UTF8, uint32_t flags = 0) {
-    int need = MultiByteToWideChar(cp, flags, bytes.data(), static_cast<int>(bytes.size()),
-                                   nullptr, 0);
+    int need =
+        MultiByteToWideChar(cp, flags, bytes.data(), static_cast<int>(bytes.size()), nullptr, 0);
     EXPECT_GT(need, 0);
     std::u16string out(need, u'#');
     int got = MultiByteToWideChar(cp, flags, bytes.data(), static_cast<int>(bytes.size()),
@@ -45,20 +43,31 @@ TEST(CodePage, Utf8DecodeReplacesMaximalSubparts) {
         {"\xE2\x82\xAC", u"€"},
         {"\xF0\x9F\x8E\xAC", u"\xD83C\xDFAC"},
         {"\xF4\x8F\xBF\xBF", u"\xDBFF\xDFFF"},  // U+10FFFF
-        {"\xEF\xBB\xBF" "a", u"\xFEFF" u"a"},   // a BOM is a character like any other
+        {"\xEF\xBB\xBF"
+         "a",
+         u"\xFEFF"
+         u"a"},  // a BOM is a character like any other
         // One replacement per maximal subpart, the Unicode practice.
         {"\x80", u"\xFFFD"},
-        {"\xC0\xAF", u"\xFFFD\xFFFD"},          // C0 starts nothing
-        {"\xE0\x80\x80", u"\xFFFD\xFFFD\xFFFD"},  // overlong: E0 needs A0..BF
-        {"\xED\xA0\x80", u"\xFFFD\xFFFD\xFFFD"},  // an encoded surrogate
+        {"\xC0\xAF", u"\xFFFD\xFFFD"},                      // C0 starts nothing
+        {"\xE0\x80\x80", u"\xFFFD\xFFFD\xFFFD"},            // overlong: E0 needs A0..BF
+        {"\xED\xA0\x80", u"\xFFFD\xFFFD\xFFFD"},            // an encoded surrogate
         {"\xF4\x90\x80\x80", u"\xFFFD\xFFFD\xFFFD\xFFFD"},  // beyond U+10FFFF
         {"\xF5\x80", u"\xFFFD\xFFFD"},
-        {"\xE2\x82", u"\xFFFD"},                // truncated at the end: one
-        {"\xE2\x82" "A", u"\xFFFD" u"A"},       // the breaking byte is read again
-        {"\xF0\x9F\x8E" "\xC3\xA9", u"\xFFFD" u"é"},
+        {"\xE2\x82", u"\xFFFD"},  // truncated at the end: one
+        {"\xE2\x82"
+         "A",
+         u"\xFFFD"
+         u"A"},  // the breaking byte is read again
+        {"\xF0\x9F\x8E"
+         "\xC3\xA9",
+         u"\xFFFD"
+         u"é"},
         {"a\xFFz", u"a\xFFFDz"},
         {std::string("a\0b", 3), std::u16string(u"a\0b", 3)},  // explicit length keeps zeros
-        {"0123456789abcdef\xC3\xA9" "0123456789abcdef", u"0123456789abcdefé0123456789abcdef"},
+        {"0123456789abcdef\xC3\xA9"
+         "0123456789abcdef",
+         u"0123456789abcdefé0123456789abcdef"},
     };
     for (const Case& c : cases) EXPECT_EQ(Decode(c.bytes), c.text) << c.bytes;
 }
@@ -100,7 +109,11 @@ TEST(CodePage, DestinationAtItsLimits) {
     } decodes[] = {{3, 3, 0}, {4, 3, 0}, {2, 0, ERROR_INSUFFICIENT_BUFFER}};
     for (const Case& c : decodes) {
         SetLastError(0);
-        EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "a\xE2\x82\xAC" "b", 5, wide, c.dst), c.result);
+        EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0,
+                                      "a\xE2\x82\xAC"
+                                      "b",
+                                      5, wide, c.dst),
+                  c.result);
         EXPECT_EQ(GetLastError(), c.error);
     }
     // "é€" is 5 bytes: a character that would straddle the end fails the call.
@@ -169,8 +182,10 @@ TEST(CodePage, MacRomanRoundTripsAllBytes) {
 TEST(CodePage, MacRomanUnmappableBecomesDefault) {
     char narrow[8];
     int used = 0;
-    EXPECT_EQ(WideCharToMultiByte(CP_MACCP, 0, u"a€\xD83C\xDFAC" u"b", 5, narrow, 8, nullptr,
-                                  &used),
+    EXPECT_EQ(WideCharToMultiByte(CP_MACCP, 0,
+                                  u"a€\xD83C\xDFAC"
+                                  u"b",
+                                  5, narrow, 8, nullptr, &used),
               4)
         << "a surrogate pair is one character";
     EXPECT_EQ(std::string(narrow, 4), "a??b");

@@ -2,9 +2,9 @@
 // in place there and write plain lines to files and pipes.
 #pragma once
 
-#include <cstdio>
-
 #include <basicutils/Export.h>
+
+#include <cstdio>
 
 namespace basicutils {
 

@@ -13,10 +13,10 @@
 // a counterpart of its own maps to ERROR_GEN_FAILURE (31).
 #pragma once
 
+#include <basicutils/Export.h>
+
 #include <cstdint>
 #include <string>
-
-#include <basicutils/Export.h>
 
 namespace basicutils {
 

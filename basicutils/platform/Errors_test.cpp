@@ -1,5 +1,4 @@
 #include <basicutils/platform/Errors.h>
-
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -24,10 +23,25 @@ TEST(Errors, ErrnoMapsToWin32Numbers) {
         int errnum;
         uint32_t win32;
     } cases[] = {
-        {0, 0},        {ENOENT, 2},  {ENOTDIR, 3},  {EMFILE, 4},     {EACCES, 5},
-        {EBADF, 6},    {ENOMEM, 8},  {EEXIST, 80},  {EINVAL, 87},    {ENOSPC, 112},
-        {EIO, 1117},   {EPIPE, 109}, {EILSEQ, 1113}, {ENAMETOOLONG, 206}, {ENOTEMPTY, 145},
-        {EDQUOT, 112}, {ECANCELED, 995}, {ETIMEDOUT, 1460}, {99999, ERROR_GEN_FAILURE},
+        {0, 0},
+        {ENOENT, 2},
+        {ENOTDIR, 3},
+        {EMFILE, 4},
+        {EACCES, 5},
+        {EBADF, 6},
+        {ENOMEM, 8},
+        {EEXIST, 80},
+        {EINVAL, 87},
+        {ENOSPC, 112},
+        {EIO, 1117},
+        {EPIPE, 109},
+        {EILSEQ, 1113},
+        {ENAMETOOLONG, 206},
+        {ENOTEMPTY, 145},
+        {EDQUOT, 112},
+        {ECANCELED, 995},
+        {ETIMEDOUT, 1460},
+        {99999, ERROR_GEN_FAILURE},
     };
     for (const Case& c : cases) EXPECT_EQ(ErrnoToWin32Error(c.errnum), c.win32) << c.errnum;
     EXPECT_EQ(SetLastErrorFromErrno(ENOENT), ERROR_FILE_NOT_FOUND);
@@ -41,8 +55,8 @@ TEST(Errors, EveryMappedNumberHasAText) {
         ASSERT_GE(text.size(), 4u) << "no text for " << code << " (errno " << e << ")";
         EXPECT_EQ(text.substr(text.size() - 3), u".\r\n");
     }
-    for (uint32_t code : {ERROR_HANDLE_EOF, ERROR_IO_PENDING, ERROR_OPERATION_ABORTED,
-                          258u, ERROR_INSUFFICIENT_BUFFER, ERROR_ALREADY_EXISTS})
+    for (uint32_t code : {ERROR_HANDLE_EOF, ERROR_IO_PENDING, ERROR_OPERATION_ABORTED, 258u,
+                          ERROR_INSUFFICIENT_BUFFER, ERROR_ALREADY_EXISTS})
         EXPECT_FALSE(FormatMessageText(code).empty()) << code;
     EXPECT_EQ(FormatMessageText(ERROR_FILE_NOT_FOUND),
               u"The system cannot find the file specified.\r\n");
@@ -52,9 +66,9 @@ TEST(Errors, EveryMappedNumberHasAText) {
 TEST(Errors, FormatMessageWithAndWithoutAllocation) {
     const uint32_t kSystem = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
     char16_t* block = nullptr;
-    uint32_t n = FormatMessageW(kSystem | FORMAT_MESSAGE_ALLOCATE_BUFFER, nullptr,
-                                ERROR_ACCESS_DENIED, 0x400, reinterpret_cast<char16_t*>(&block), 0,
-                                nullptr);
+    uint32_t n =
+        FormatMessageW(kSystem | FORMAT_MESSAGE_ALLOCATE_BUFFER, nullptr, ERROR_ACCESS_DENIED,
+                       0x400, reinterpret_cast<char16_t*>(&block), 0, nullptr);
     ASSERT_NE(block, nullptr);
     EXPECT_EQ(std::u16string(block), u"Access is denied.\r\n");
     EXPECT_EQ(n, 19u);

@@ -12,13 +12,13 @@
 // and are woken when its state changes; see Sync.h for the waits.
 #pragma once
 
-#include <cstddef>
+#include <basicutils/Export.h>
+
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <mutex>
 #include <vector>
-
-#include <basicutils/Export.h>
 
 namespace basicutils {
 
@@ -35,7 +35,7 @@ namespace detail {
 class ThreadState;
 
 class BASICUTILS_EXPORT KernelObject {
-public:
+  public:
     KernelObject();
     KernelObject(const KernelObject&) = delete;
     KernelObject& operator=(const KernelObject&) = delete;
@@ -59,12 +59,12 @@ public:
     // Enters a new object in the registry of live handles.
     HANDLE Publish();
 
-protected:
+  protected:
     virtual ~KernelObject();
     // Wakes every registered waiter; call after the state changed.
     void WakeWaiters();
 
-private:
+  private:
     std::atomic<int> mRefs;
     std::mutex mWaitersLock;
     std::vector<ThreadState*> mWaiters;
@@ -72,7 +72,7 @@ private:
 
 // Holds the reference that KernelObject::Acquire took.
 class ObjectRef {
-public:
+  public:
     explicit ObjectRef(KernelObject* object) : mObject(object) {}
     ~ObjectRef() {
         if (mObject) mObject->Release();
@@ -82,7 +82,7 @@ public:
     KernelObject* get() const { return mObject; }
     explicit operator bool() const { return mObject != nullptr; }
 
-private:
+  private:
     KernelObject* mObject;
 };
 

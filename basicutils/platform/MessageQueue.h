@@ -24,12 +24,12 @@
 // it fails.
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
 #include <basicutils/Export.h>
 #include <basicutils/platform/Handles.h>
 #include <basicutils/platform/RuntimeClass.h>
+
+#include <cstdint>
+#include <vector>
 
 namespace basicutils {
 
@@ -93,7 +93,7 @@ BASICUTILS_EXPORT std::vector<MSG> TakeWindowMessages(HWND window);
 // thread that created it.
 class BASICUTILS_EXPORT CWnd : public CObject {
     DECLARE_DYNAMIC(CWnd)
-public:
+  public:
     CWnd();
     ~CWnd() override;
     // Makes the window on the calling thread. FALSE if it exists already.
@@ -106,7 +106,7 @@ public:
     // Called on the owner thread for each message; the message map.
     virtual LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam);
 
-protected:
+  protected:
     // Called once the window is gone (after DestroyWindow).
     virtual void PostNcDestroy() {}
 
@@ -118,7 +118,7 @@ protected:
 // and keeps the title. WS_VISIBLE is not honoured: nothing is ever shown.
 class BASICUTILS_EXPORT CFrameWnd : public CWnd {
     DECLARE_DYNAMIC(CFrameWnd)
-public:
+  public:
     static const RECT rectDefault;
     BOOL Create(const char16_t* className, const char16_t* title, DWORD style = WS_OVERLAPPEDWINDOW,
                 const RECT& rect = rectDefault, CWnd* parent = nullptr,
@@ -127,7 +127,7 @@ public:
     DWORD GetStyle() const { return mStyle; }
     DWORD GetExStyle() const { return mExStyle; }
 
-protected:
+  protected:
     char16_t mTitle[64] = {};
     DWORD mStyle = 0;
     DWORD mExStyle = 0;

@@ -1,16 +1,14 @@
 // Hidden windows, posting across threads, the pump and its descriptor,
 // threads with a message loop, run-time classes.
 #include <basicutils/platform/MessageQueue.h>
-
+#include <basicutils/platform/Sync.h>
+#include <basicutils/platform/WinThread.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 
 #include <atomic>
 #include <thread>
 #include <vector>
-
-#include <basicutils/platform/Sync.h>
-#include <basicutils/platform/WinThread.h>
 
 namespace basicutils {
 namespace {
@@ -116,7 +114,7 @@ TEST(MessageQueue, DestroyedWindowsAndUnknownThreadsRefusePosts) {
 
 class LoopThread : public CWinThread {
     DECLARE_DYNCREATE(LoopThread)
-public:
+  public:
     static std::atomic<int> sIdleCalls;
     static std::vector<LPARAM>* sSeen;
     static std::atomic<DWORD> sRanOn;
@@ -132,7 +130,7 @@ public:
     }
     int ExitInstance() override { return 42; }
 
-protected:
+  protected:
     LoopThread() = default;
 };
 std::atomic<int> LoopThread::sIdleCalls{0};
@@ -143,8 +141,8 @@ IMPLEMENT_DYNCREATE(LoopThread, CWinThread)
 TEST(MessageQueue, ThreadWithLoopHandlesItsMessagesThenQuits) {
     std::vector<LPARAM> seen;
     LoopThread::sSeen = &seen;
-    CWinThread* thread = AfxBeginThread(RUNTIME_CLASS(LoopThread), THREAD_PRIORITY_NORMAL, 0,
-                                        CREATE_SUSPENDED);
+    CWinThread* thread =
+        AfxBeginThread(RUNTIME_CLASS(LoopThread), THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED);
     ASSERT_NE(thread, nullptr);
     thread->m_bAutoDelete = 0;
     const DWORD id = thread->m_nThreadID;

@@ -13,11 +13,11 @@
 // objects' classes apart by name.
 #pragma once
 
+#include <basicutils/Export.h>
+
 #include <cstdint>
 #include <string>
 #include <typeinfo>
-
-#include <basicutils/Export.h>
 
 namespace basicutils {
 
@@ -35,7 +35,7 @@ struct BASICUTILS_EXPORT CRuntimeClass {
 };
 
 class BASICUTILS_EXPORT CObject {
-public:
+  public:
     static const CRuntimeClass classCObject;
     virtual ~CObject() = default;
     virtual const CRuntimeClass* GetRuntimeClass() const;
@@ -49,25 +49,31 @@ BASICUTILS_EXPORT std::string DemangledClassName(const std::type_info& type);
 
 #define RUNTIME_CLASS(name) (&name::class##name)
 
-#define DECLARE_DYNCREATE(name)                                   \
-public:                                                           \
-    static const ::basicutils::CRuntimeClass class##name;         \
-    static ::basicutils::CObject* CreateObject();                 \
+#define DECLARE_DYNCREATE(name)                           \
+  public:                                                 \
+    static const ::basicutils::CRuntimeClass class##name; \
+    static ::basicutils::CObject* CreateObject();         \
     const ::basicutils::CRuntimeClass* GetRuntimeClass() const override;
 
 #define IMPLEMENT_DYNCREATE(name, base)                                                       \
-    ::basicutils::CObject* name::CreateObject() { return new name; }                          \
+    ::basicutils::CObject* name::CreateObject() {                                             \
+        return new name;                                                                      \
+    }                                                                                         \
     const ::basicutils::CRuntimeClass name::class##name = {                                   \
         #name, static_cast<int32_t>(sizeof(name)), &name::CreateObject, RUNTIME_CLASS(base)}; \
-    const ::basicutils::CRuntimeClass* name::GetRuntimeClass() const { return RUNTIME_CLASS(name); }
+    const ::basicutils::CRuntimeClass* name::GetRuntimeClass() const {                        \
+        return RUNTIME_CLASS(name);                                                           \
+    }
 
 // A run-time class without dynamic creation (CreateObject answers nullptr).
 #define DECLARE_DYNAMIC(name)                             \
-public:                                                   \
+  public:                                                 \
     static const ::basicutils::CRuntimeClass class##name; \
     const ::basicutils::CRuntimeClass* GetRuntimeClass() const override;
 
-#define IMPLEMENT_DYNAMIC(name, base)                                                           \
-    const ::basicutils::CRuntimeClass name::class##name = {                                     \
-        #name, static_cast<int32_t>(sizeof(name)), nullptr, RUNTIME_CLASS(base)};               \
-    const ::basicutils::CRuntimeClass* name::GetRuntimeClass() const { return RUNTIME_CLASS(name); }
+#define IMPLEMENT_DYNAMIC(name, base)                                             \
+    const ::basicutils::CRuntimeClass name::class##name = {                       \
+        #name, static_cast<int32_t>(sizeof(name)), nullptr, RUNTIME_CLASS(base)}; \
+    const ::basicutils::CRuntimeClass* name::GetRuntimeClass() const {            \
+        return RUNTIME_CLASS(name);                                               \
+    }

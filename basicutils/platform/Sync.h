@@ -15,13 +15,13 @@
 // issued the I/O. A non-alertable wait leaves the calls queued.
 #pragma once
 
+#include <basicutils/Export.h>
+#include <basicutils/platform/Handles.h>
+
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <thread>
-
-#include <basicutils/Export.h>
-#include <basicutils/platform/Handles.h>
 
 namespace basicutils {
 
@@ -53,7 +53,7 @@ BASICUTILS_EXPORT BOOL QueueUserAPCToThreadId(PAPCFUNC function, DWORD threadId,
 
 // Something threads can enter and leave.
 class BASICUTILS_EXPORT CSyncObject {
-public:
+  public:
     CSyncObject() = default;
     CSyncObject(const CSyncObject&) = delete;
     CSyncObject& operator=(const CSyncObject&) = delete;
@@ -66,12 +66,12 @@ public:
 // Recursive; Unlock by a thread that doesn't hold the section answers FALSE
 // and changes nothing.
 class BASICUTILS_EXPORT CCriticalSection : public CSyncObject {
-public:
+  public:
     CCriticalSection() = default;
     BOOL Lock(DWORD timeout = INFINITE) override;
     BOOL Unlock() override;
 
-private:
+  private:
     std::mutex mLock;
     std::condition_variable mFree;
     std::thread::id mOwner;
@@ -79,7 +79,7 @@ private:
 };
 
 class BASICUTILS_EXPORT CSingleLock {
-public:
+  public:
     explicit CSingleLock(CSyncObject* object, BOOL initialLock = 0);
     CSingleLock(const CSingleLock&) = delete;
     CSingleLock& operator=(const CSingleLock&) = delete;
@@ -90,7 +90,7 @@ public:
     BOOL Unlock();
     BOOL IsLocked() const { return mHeld > 0; }
 
-private:
+  private:
     CSyncObject* mObject;
     int mHeld;
 };

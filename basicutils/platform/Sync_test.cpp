@@ -1,13 +1,11 @@
 // Events, alertable waits with queued calls, recursive critical sections.
 #include <basicutils/platform/Sync.h>
-
+#include <basicutils/platform/Threads.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <thread>
 #include <vector>
-
-#include <basicutils/platform/Threads.h>
 
 namespace basicutils {
 namespace {

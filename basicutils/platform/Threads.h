@@ -21,11 +21,11 @@
 // on it joins the thread.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-
 #include <basicutils/Export.h>
 #include <basicutils/platform/Handles.h>
+
+#include <cstddef>
+#include <cstdint>
 
 namespace basicutils {
 
@@ -42,8 +42,8 @@ inline constexpr DWORD kThreadCallFailed = 0xFFFFFFFFu;
 // nullptr when the thread can't be created. `security` is ignored;
 // stackSize 0 means the default.
 BASICUTILS_EXPORT HANDLE CreateThread(void* security, size_t stackSize,
-                                      LPTHREAD_START_ROUTINE routine, void* parameter,
-                                      DWORD flags, DWORD* threadId);
+                                      LPTHREAD_START_ROUTINE routine, void* parameter, DWORD flags,
+                                      DWORD* threadId);
 
 // Both return the suspend count before the call, kThreadCallFailed for a
 // handle that is not a thread or a thread that has ended.

@@ -1,12 +1,10 @@
 // Threads: suspended creation, real suspension, IDs, exit codes, bad handles.
+#include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
-
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <thread>
-
-#include <basicutils/platform/Sync.h>
 
 namespace basicutils {
 namespace {

@@ -35,17 +35,29 @@ BOOL CWinThread::CreateThread(DWORD flags, size_t stackSize) {
     return 1;
 }
 
-DWORD CWinThread::SuspendThread() { return basicutils::SuspendThread(m_hThread); }
-DWORD CWinThread::ResumeThread() { return basicutils::ResumeThread(m_hThread); }
+DWORD CWinThread::SuspendThread() {
+    return basicutils::SuspendThread(m_hThread);
+}
+DWORD CWinThread::ResumeThread() {
+    return basicutils::ResumeThread(m_hThread);
+}
 
 BOOL CWinThread::PostThreadMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     return PostThreadMessageW(m_nThreadID, message, wParam, lParam);
 }
 
-BOOL CWinThread::InitInstance() { return 1; }
-int CWinThread::ExitInstance() { return 0; }
-BOOL CWinThread::OnIdle(int32_t) { return 0; }
-BOOL CWinThread::OnThreadMessage(const MSG&) { return 0; }
+BOOL CWinThread::InitInstance() {
+    return 1;
+}
+int CWinThread::ExitInstance() {
+    return 0;
+}
+BOOL CWinThread::OnIdle(int32_t) {
+    return 0;
+}
+BOOL CWinThread::OnThreadMessage(const MSG&) {
+    return 0;
+}
 
 int CWinThread::Run() {
     MSG message;

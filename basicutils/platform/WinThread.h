@@ -14,12 +14,12 @@
 // exit code.
 #pragma once
 
-#include <cstddef>
-
 #include <basicutils/Export.h>
 #include <basicutils/platform/MessageQueue.h>
 #include <basicutils/platform/RuntimeClass.h>
 #include <basicutils/platform/Threads.h>
+
+#include <cstddef>
 
 namespace basicutils {
 
@@ -27,7 +27,7 @@ using AFX_THREADPROC = UINT (*)(void* parameter);
 
 class BASICUTILS_EXPORT CWinThread : public CObject {
     DECLARE_DYNCREATE(CWinThread)
-public:
+  public:
     CWinThread();
     CWinThread(AFX_THREADPROC routine, void* parameter);
     ~CWinThread() override;
@@ -51,7 +51,7 @@ public:
     DWORD m_nThreadID;
     BOOL m_bAutoDelete;
 
-protected:
+  protected:
     static DWORD ThreadEntry(void* self);
 
     AFX_THREADPROC m_pfnThreadProc;

@@ -1,12 +1,15 @@
 // Idle processes: a self-emptying list of one-shot work.
-#include <basicutils/tasks/CIdleProcess.h>
-
 #include <basicutils/containers/LArrayIterator.h>
+#include <basicutils/tasks/CIdleProcess.h>
 
 namespace basicutils {
 
-CIdleProcess::CIdleProcess() { gIdleProcesses.AddProcess(this); }
-CIdleProcess::~CIdleProcess() { gIdleProcesses.RemoveProcess(this); }
+CIdleProcess::CIdleProcess() {
+    gIdleProcesses.AddProcess(this);
+}
+CIdleProcess::~CIdleProcess() {
+    gIdleProcesses.RemoveProcess(this);
+}
 
 void CIdleProcess::Execute() {
     ExecuteSelf();
@@ -27,7 +30,9 @@ void CIdleProcesses::AddProcess(CIdleProcess* process) {
     mProcesses.InsertItemsAt(1, kLastIndex, &process, 0);
 }
 
-void CIdleProcesses::RemoveProcess(CIdleProcess* process) { mProcesses.Remove(&process, 0); }
+void CIdleProcesses::RemoveProcess(CIdleProcess* process) {
+    mProcesses.Remove(&process, 0);
+}
 
 void CIdleProcesses::ExecuteAll() {
     LListIterator iterator(mProcesses, 0);

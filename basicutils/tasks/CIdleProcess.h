@@ -20,7 +20,7 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT MVelmorantTaskBase {
-public:
+  public:
     MVelmorantTaskBase() : mStopFlagPtr(nullptr), mCanKillPtr(nullptr) {}
     virtual ~MVelmorantTaskBase() = default;
     virtual void SetStopFlagPtr(bool* flag) { mStopFlagPtr = flag; }
@@ -30,13 +30,13 @@ public:
     virtual void SetCanKillPtr(bool* flag) { mCanKillPtr = flag; }
     virtual bool* GetCanKillPtr() { return mCanKillPtr; }
 
-protected:
+  protected:
     bool* mStopFlagPtr;
     bool* mCanKillPtr;
 };
 
 class BASICUTILS_EXPORT CIdleProcess : public CMemoryCheck {
-public:
+  public:
     CIdleProcess();
     virtual ~CIdleProcess();
     CIdleProcess(const CIdleProcess&) = delete;
@@ -47,7 +47,7 @@ public:
 };
 
 class BASICUTILS_EXPORT CIdleProcesses {
-public:
+  public:
     CIdleProcesses();
     // Deletes the processes that never ran, without running them.
     virtual ~CIdleProcesses();
@@ -58,7 +58,7 @@ public:
     void ExecuteAll();
     int32_t GetCount() const { return static_cast<int32_t>(mProcesses.GetCount()); }
 
-protected:
+  protected:
     LList mProcesses;
 };
 

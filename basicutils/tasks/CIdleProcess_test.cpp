@@ -1,7 +1,6 @@
 // Idle processes run once in arrival order and empty the list; the task base
 // shares its flags.
 #include <basicutils/tasks/CIdleProcess.h>
-
 #include <gtest/gtest.h>
 
 #include <string>
@@ -12,7 +11,7 @@ namespace {
 std::string gRan;
 
 class Step : public CIdleProcess {
-public:
+  public:
     Step(char name, int spawn = 0) : mName(name), mSpawn(spawn) {}
     void ExecuteSelf() override {
         gRan += mName;
@@ -20,7 +19,7 @@ public:
     }
     ~Step() override { gRan += '~'; }
 
-private:
+  private:
     char mName;
     int mSpawn;
 };

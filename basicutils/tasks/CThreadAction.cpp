@@ -1,12 +1,11 @@
 // CThreadAction: task lists and the single-run rule. CThreadDispatcher:
 // the main thread's end of the task road.
+#include <basicutils/platform/Threads.h>
 #include <basicutils/tasks/CThreadAction.h>
 
 #include <mutex>
 #include <typeinfo>
 #include <vector>
-
-#include <basicutils/platform/Threads.h>
 
 namespace basicutils {
 namespace {
@@ -17,17 +16,25 @@ CVelmorantThread* ItemAt(LList& list, int32_t index) {
     return task;
 }
 
-void Append(LList& list, CVelmorantThread* task) { list.InsertItemsAt(1, kLastIndex, &task, 0); }
-void Drop(LList& list, CVelmorantThread* task) { list.Remove(&task, 0); }
+void Append(LList& list, CVelmorantThread* task) {
+    list.InsertItemsAt(1, kLastIndex, &task, 0);
+}
+void Drop(LList& list, CVelmorantThread* task) {
+    list.Remove(&task, 0);
+}
 
-bool SameClass(CVelmorantThread* a, CVelmorantThread* b) { return typeid(*a) == typeid(*b); }
+bool SameClass(CVelmorantThread* a, CVelmorantThread* b) {
+    return typeid(*a) == typeid(*b);
+}
 
 }  // namespace
 
 CThreadAction::CThreadAction() = default;
 CThreadAction::~CThreadAction() = default;
 
-CThreadAction* CThreadAction::GetThreadAction() { return &sThreadAction; }
+CThreadAction* CThreadAction::GetThreadAction() {
+    return &sThreadAction;
+}
 
 void CThreadAction::AddListener(LListener* listener) {
     CSingleLock lock(&mCriticalSection, 1);
@@ -156,7 +163,9 @@ IMPLEMENT_DYNCREATE(CThreadDispatcher, CFrameWnd)
 
 std::atomic<CThreadDispatcher*> CThreadDispatcher::sThreadDispatcher{nullptr};
 
-CThreadDispatcher::CThreadDispatcher() { sThreadDispatcher = this; }
+CThreadDispatcher::CThreadDispatcher() {
+    sThreadDispatcher = this;
+}
 
 CThreadDispatcher::~CThreadDispatcher() {
     std::vector<CVelmorantThread*> ended;
@@ -171,8 +180,7 @@ CThreadDispatcher::~CThreadDispatcher() {
                     ended.push_back(reinterpret_cast<CVelmorantThread*>(m.lParam));
             DestroyWindow();
         }
-        if (!onOwner)
-            Dispatch().parked.insert(Dispatch().parked.end(), ended.begin(), ended.end());
+        if (!onOwner) Dispatch().parked.insert(Dispatch().parked.end(), ended.begin(), ended.end());
     }
     if (onOwner)
         for (CVelmorantThread* task : ended) task->CleanUp(true);

@@ -28,15 +28,15 @@
 // its queued ends before it goes. Queued 1313 and 1315 messages go with it.
 #pragma once
 
-#include <atomic>
-#include <cstdint>
-
 #include <basicutils/Export.h>
 #include <basicutils/containers/LList.h>
 #include <basicutils/messaging/LBroadcaster.h>
 #include <basicutils/platform/MessageQueue.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/tasks/CVelmorantThread.h>
+
+#include <atomic>
+#include <cstdint>
 
 namespace basicutils {
 
@@ -48,7 +48,7 @@ inline constexpr UINT kWmThreadFinished = 1314;
 inline constexpr UINT kWmBroadcastMessage = 1315;
 
 class BASICUTILS_EXPORT CThreadAction : public LBroadcaster {
-public:
+  public:
     CThreadAction();
     ~CThreadAction() override;
     CThreadAction(const CThreadAction&) = delete;
@@ -74,7 +74,7 @@ public:
 
     static CThreadAction sThreadAction;
 
-protected:
+  protected:
     friend class CVelmorantThread;
 
     LList mThreads;
@@ -92,7 +92,7 @@ struct SBroadcastRequest {
 
 class BASICUTILS_EXPORT CThreadDispatcher : public CFrameWnd {
     DECLARE_DYNCREATE(CThreadDispatcher)
-public:
+  public:
     ~CThreadDispatcher() override;
 
     // The dispatcher; made (with its window, on the calling thread) on first
@@ -104,7 +104,7 @@ public:
 
     static std::atomic<CThreadDispatcher*> sThreadDispatcher;
 
-protected:
+  protected:
     CThreadDispatcher();
     LRESULT OnThreadStarted(WPARAM wParam, LPARAM lParam);
     LRESULT OnThreadFinished(WPARAM wParam, LPARAM lParam);

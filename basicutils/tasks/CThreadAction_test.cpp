@@ -1,12 +1,10 @@
 // The single-run rule, the task lists and the dispatcher's messages.
 #include <basicutils/tasks/CThreadAction.h>
-
+#include <basicutils/tasks/TaskTesting_test.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <thread>
-
-#include <basicutils/tasks/TaskTesting_test.h>
 
 namespace basicutils {
 namespace {
@@ -15,7 +13,7 @@ using namespace testing_support;
 using Steps = std::vector<std::string>;
 
 class Scheduler : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         CThreadDispatcher::GetThreadDispatcher();
         action->AddListener(&mMessages);

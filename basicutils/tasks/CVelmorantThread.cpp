@@ -1,12 +1,11 @@
 // CVelmorantThread: the life of a task, step by step.
-#include <basicutils/tasks/CVelmorantThread.h>
-
-#include <typeinfo>
-
 #include <basicutils/messaging/CMessageAction.h>
 #include <basicutils/platform/RuntimeClass.h>
 #include <basicutils/platform/Threads.h>
 #include <basicutils/tasks/CThreadAction.h>
+#include <basicutils/tasks/CVelmorantThread.h>
+
+#include <typeinfo>
 
 namespace basicutils {
 
@@ -79,20 +78,44 @@ CVelmorantThread::~CVelmorantThread() {
     BroadcastMessage(kMsgThreadDeleted, this);
 }
 
-bool CVelmorantThread::PrePlay() { return true; }
-bool CVelmorantThread::ShouldStart() { return mShouldStart; }
+bool CVelmorantThread::PrePlay() {
+    return true;
+}
+bool CVelmorantThread::ShouldStart() {
+    return mShouldStart;
+}
 void CVelmorantThread::RunSelf() {}
 void CVelmorantThread::PostPlay() {}
-int64_t CVelmorantThread::GetRange() { return mRange; }
-int64_t CVelmorantThread::GetPos() { return mPos; }
-MString& CVelmorantThread::GetStatus() { return mStatus; }
-MString& CVelmorantThread::GetDetail() { return mDetail; }
-int32_t CVelmorantThread::GetLastEstimateTime() { return mLastEstimateTime; }
-int64_t CVelmorantThread::GetLastPosition() { return mLastPosition; }
-int32_t CVelmorantThread::GetAverageProgress() { return mAverageProgress; }
-int32_t CVelmorantThread::GetProgressStartTime() { return mProgressStartTime; }
-int32_t CVelmorantThread::GetStableEstimateCount() { return mStableEstimateCount; }
-bool CVelmorantThread::KillSelf() { return false; }
+int64_t CVelmorantThread::GetRange() {
+    return mRange;
+}
+int64_t CVelmorantThread::GetPos() {
+    return mPos;
+}
+MString& CVelmorantThread::GetStatus() {
+    return mStatus;
+}
+MString& CVelmorantThread::GetDetail() {
+    return mDetail;
+}
+int32_t CVelmorantThread::GetLastEstimateTime() {
+    return mLastEstimateTime;
+}
+int64_t CVelmorantThread::GetLastPosition() {
+    return mLastPosition;
+}
+int32_t CVelmorantThread::GetAverageProgress() {
+    return mAverageProgress;
+}
+int32_t CVelmorantThread::GetProgressStartTime() {
+    return mProgressStartTime;
+}
+int32_t CVelmorantThread::GetStableEstimateCount() {
+    return mStableEstimateCount;
+}
+bool CVelmorantThread::KillSelf() {
+    return false;
+}
 void CVelmorantThread::PassInformation(CVelmorantThread*) {}
 
 MString& CVelmorantThread::GetDescription() {
@@ -146,9 +169,8 @@ void CVelmorantThread::Start() {
         return;
     }
     std::unique_lock<std::mutex> l(mThreadLock);
-    CWinThread* thread =
-        AfxBeginThread(&CVelmorantThread::ThreadRoutine, this, THREAD_PRIORITY_NORMAL, 0,
-                       CREATE_SUSPENDED);
+    CWinThread* thread = AfxBeginThread(&CVelmorantThread::ThreadRoutine, this,
+                                        THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED);
     if (!thread) {
         l.unlock();
         mCanceled = true;
@@ -212,7 +234,9 @@ void CVelmorantThread::Kill() {
     if (mCanKill && !mCanceled) mCanceled = KillSelf();
 }
 
-bool CVelmorantThread::CanKill() { return mCanKill && mThread.load() != nullptr; }
+bool CVelmorantThread::CanKill() {
+    return mCanKill && mThread.load() != nullptr;
+}
 
 void CVelmorantThread::Pause() {
     std::lock_guard<std::mutex> g(mThreadLock);

@@ -39,14 +39,14 @@
 //     the most derived class, namespaces included.
 #pragma once
 
-#include <atomic>
-#include <cstdint>
-#include <mutex>
-
 #include <basicutils/Export.h>
 #include <basicutils/messaging/LBroadcaster.h>
 #include <basicutils/platform/WinThread.h>
 #include <basicutils/text/MString.h>
+
+#include <atomic>
+#include <cstdint>
+#include <mutex>
 
 namespace basicutils {
 
@@ -56,7 +56,7 @@ inline constexpr int32_t kMsgThreadCleanedUpOnWorker = 58901;
 inline constexpr int32_t kMsgThreadDeleted = 29002;
 
 class BASICUTILS_EXPORT CVelmorantThread : public LBroadcaster {
-public:
+  public:
     explicit CVelmorantThread(bool autoDelete = true);
     CVelmorantThread(const CVelmorantThread& other);
     CVelmorantThread& operator=(const CVelmorantThread& other);
@@ -115,7 +115,7 @@ public:
     // mPos on a scale of 0 to 1024 of mRange; 0 when the range is 0.
     int GetStatusPosition();
 
-protected:
+  protected:
     // The worker thread's routine: RunSelf, then Finish(true).
     static UINT ThreadRoutine(void* task);
 
@@ -144,7 +144,7 @@ protected:
     int32_t mStableEstimateCount;
     bool mReserved2;
 
-private:
+  private:
     void CopyFields(const CVelmorantThread& other);
 
     std::mutex mThreadLock;  // mThread against Pause / Continue

@@ -1,12 +1,10 @@
 // The life of a task: which steps run, in which order, on which thread.
+#include <basicutils/messaging/CMessageAction.h>
 #include <basicutils/tasks/CVelmorantThread.h>
-
+#include <basicutils/tasks/TaskTesting_test.h>
 #include <gtest/gtest.h>
 
 #include <thread>
-
-#include <basicutils/messaging/CMessageAction.h>
-#include <basicutils/tasks/TaskTesting_test.h>
 
 namespace basicutils {
 namespace {
@@ -15,7 +13,7 @@ using namespace testing_support;
 using Steps = std::vector<std::string>;
 
 class TaskLife : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override { CThreadDispatcher::GetThreadDispatcher(); }
     void TearDown() override { EXPECT_EQ(CThreadAction::GetThreadAction()->GetThreadCount(), 0); }
 
@@ -53,8 +51,8 @@ TEST_F(TaskLife, RefusedByPrePlayIsDeletedUnlisted) {
         EXPECT_FALSE(task->Execute());
     }
     StopListening();
-    EXPECT_EQ(mLog.Steps(), (Steps{"preplay:r", "deleted:r", "29002:?", "preplay:r", "deleted:r",
-                                   "29002:?"}));
+    EXPECT_EQ(mLog.Steps(),
+              (Steps{"preplay:r", "deleted:r", "29002:?", "preplay:r", "deleted:r", "29002:?"}));
 }
 
 TEST_F(TaskLife, SelfDeletingWorkerCleansUpOnTheMainThread) {
@@ -106,7 +104,8 @@ TEST_F(TaskLife, ShouldStartFalseEndsWithoutThreadButWithPostPlay) {
     auto* task = Watch(new LoggedTask(&mLog, "s", true));
     task->mShouldStart = false;
     ASSERT_TRUE(task->Execute());
-    EXPECT_EQ(mLog.Steps(), (Steps{"preplay:s", "start:s", "postplay:s", "58900:s", "deleted:s", "29002:?"}));
+    EXPECT_EQ(mLog.Steps(),
+              (Steps{"preplay:s", "start:s", "postplay:s", "58900:s", "deleted:s", "29002:?"}));
 }
 
 TEST_F(TaskLife, AbortOfRunningTaskOnlyClearsShouldStart) {
@@ -148,7 +147,7 @@ TEST_F(TaskLife, ThreadThatCannotBeCreatedEndsTheTaskAndSaysSo) {
 
 // Spins without looking at any flag: only real suspension stops it.
 class Spinner : public LoggedTask {
-public:
+  public:
     using LoggedTask::LoggedTask;
     std::atomic<bool> stop{false};
     void RunSelf() override {
@@ -181,16 +180,15 @@ TEST_F(TaskLife, ProgressScaleDescriptionAndThreadId) {
     struct Case {
         int64_t range, pos;
         int expected;
-    } cases[] = {{0, 50, 0}, {2048, 1024, 512}, {2048, 2048, 1024}, {100, 150, 1536},
-                 {3, 1, 341}, {1LL << 40, 1LL << 39, 512}};
+    } cases[] = {{0, 50, 0},       {2048, 1024, 512}, {2048, 2048, 1024},
+                 {100, 150, 1536}, {3, 1, 341},       {1LL << 40, 1LL << 39, 512}};
     LoggedTask task(&mLog, "d", false, false);
     for (const Case& c : cases) {
         task.SetRange(c.range);
         task.SetPos(c.pos);
         EXPECT_EQ(task.GetStatusPosition(), c.expected) << c.range << " " << c.pos;
     }
-    EXPECT_EQ(std::u16string(task.GetDescription()),
-              u"basicutils::testing_support::LoggedTask");
+    EXPECT_EQ(std::u16string(task.GetDescription()), u"basicutils::testing_support::LoggedTask");
     task.SetStatus(u"reading");
     EXPECT_EQ(std::u16string(task.CopyStatus()), u"reading");
     struct Plain : CVelmorantThread {

@@ -13,13 +13,17 @@ void CVelmorantWinThread::Quit() {
     PostThreadMessageW(m_nThreadID, kWmVelmorantQuit, 0, 0);
 }
 
-void CVelmorantWinThread::OnQuit(UINT, LPARAM) { PostQuitMessage(0); }
+void CVelmorantWinThread::OnQuit(UINT, LPARAM) {
+    PostQuitMessage(0);
+}
 
 void CVelmorantWinThread::SelfMessage(UINT message, UINT wParam, LPARAM lParam) {
     if (!mQuitting) PostThreadMessageW(m_nThreadID, message, wParam, lParam);
 }
 
-BOOL CVelmorantWinThread::OnIdle(int32_t) { return 0; }
+BOOL CVelmorantWinThread::OnIdle(int32_t) {
+    return 0;
+}
 
 BOOL CVelmorantWinThread::OnThreadMessage(const MSG& message) {
     if (message.message != kWmVelmorantQuit) return 0;

@@ -8,10 +8,10 @@
 // for no idle time. Create one with AfxBeginThread(RUNTIME_CLASS(YourClass)).
 #pragma once
 
-#include <atomic>
-
 #include <basicutils/Export.h>
 #include <basicutils/platform/WinThread.h>
+
+#include <atomic>
 
 namespace basicutils {
 
@@ -19,7 +19,7 @@ inline constexpr UINT kWmVelmorantQuit = 1219;
 
 class BASICUTILS_EXPORT CVelmorantWinThread : public CWinThread {
     DECLARE_DYNCREATE(CVelmorantWinThread)
-public:
+  public:
     virtual void Quit();
     virtual void OnQuit(UINT wParam, LPARAM lParam);
     // Posts to this thread unless it is quitting.
@@ -28,7 +28,7 @@ public:
     BOOL OnIdle(int32_t count) override;
     BOOL OnThreadMessage(const MSG& message) override;
 
-protected:
+  protected:
     CVelmorantWinThread();
     ~CVelmorantWinThread() override;
 
@@ -37,14 +37,14 @@ protected:
 
 // Starts threads of a run-time class; keeps the last one started.
 class CVelmorantUIThread {
-public:
+  public:
     virtual ~CVelmorantUIThread() = default;
     virtual CWinThread* BeginThread(const CRuntimeClass* threadClass) {
         mThread = AfxBeginThread(threadClass, THREAD_PRIORITY_NORMAL, 0, 0, nullptr);
         return mThread;
     }
 
-protected:
+  protected:
     CWinThread* mThread = nullptr;
 };
 

@@ -1,6 +1,6 @@
 // Threads with a loop that quit on 1219; scoped locks.
 #include <basicutils/tasks/CVelmorantWinThread.h>
-
+#include <basicutils/tasks/StGlobalLock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -8,14 +8,12 @@
 #include <thread>
 #include <vector>
 
-#include <basicutils/tasks/StGlobalLock.h>
-
 namespace basicutils {
 namespace {
 
 class Recording : public CVelmorantWinThread {
     DECLARE_DYNCREATE(Recording)
-public:
+  public:
     static std::mutex sLock;
     static std::vector<UINT> sSeen;
     static std::atomic<int> sQuits;
@@ -32,7 +30,7 @@ public:
     }
     using CVelmorantWinThread::mQuitting;
 
-protected:
+  protected:
     Recording() = default;
 };
 std::mutex Recording::sLock;
@@ -50,7 +48,7 @@ TEST(CVelmorantWinThread, MessagesBeforeQuitAreHandledAndNoneAfter) {
     thread->SelfMessage(WM_USER + 2, 0, 0);
     thread->Quit();
     thread->SelfMessage(WM_USER + 3, 0, 0);  // dropped: quitting
-    thread->Quit();                           // a second 1219
+    thread->Quit();                          // a second 1219
     thread->ResumeThread();
     ASSERT_EQ(WaitForSingleObject(thread->m_hThread, INFINITE), WAIT_OBJECT_0);
     std::lock_guard<std::mutex> g(Recording::sLock);

@@ -3,7 +3,9 @@
 
 namespace basicutils {
 
-StGlobalLock::StGlobalLock() : mLock(new CSingleLock(&sSafe, 0)) { mLock->Lock(INFINITE); }
+StGlobalLock::StGlobalLock() : mLock(new CSingleLock(&sSafe, 0)) {
+    mLock->Lock(INFINITE);
+}
 
 StGlobalLock::~StGlobalLock() {
     mLock->Unlock();

@@ -10,7 +10,7 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT StGlobalLock {
-public:
+  public:
     StGlobalLock();
     ~StGlobalLock();
     StGlobalLock(const StGlobalLock&) = delete;
@@ -18,18 +18,18 @@ public:
 
     static CCriticalSection sSafe;
 
-protected:
+  protected:
     CSingleLock* mLock;
 };
 
 class BASICUTILS_EXPORT StSingleLock {
-public:
+  public:
     explicit StSingleLock(CSyncObject* object);
     ~StSingleLock();
     StSingleLock(const StSingleLock&) = delete;
     StSingleLock& operator=(const StSingleLock&) = delete;
 
-protected:
+  protected:
     CSingleLock* mLock;
 };
 

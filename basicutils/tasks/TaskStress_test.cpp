@@ -3,6 +3,7 @@
 // come and go during the scheduler's broadcasts. Every task must run at most
 // once (exactly once unless aborted), single-run classes one at a time and in
 // launch order per launcher, and every task must end and be deleted.
+#include <basicutils/tasks/TaskTesting_test.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,8 +13,6 @@
 #include <thread>
 #include <vector>
 
-#include <basicutils/tasks/TaskTesting_test.h>
-
 namespace basicutils {
 namespace {
 
@@ -21,7 +20,7 @@ using namespace testing_support;
 
 struct Ledger {
     std::mutex lock;
-    std::map<int, int> runs;                          // task id -> RunSelf count
+    std::map<int, int> runs;                                // task id -> RunSelf count
     std::map<std::pair<int, int>, std::vector<int>> order;  // (class, launcher) -> ids run
     std::atomic<int> deleted{0};
     std::atomic<int> concurrent[3] = {};
@@ -29,7 +28,7 @@ struct Ledger {
 };
 
 class StressTask : public CVelmorantThread {
-public:
+  public:
     StressTask(Ledger* ledger, int id, int kind, int launcher)
         : mLedger(ledger), mId(id), mKind(kind), mLauncher(launcher) {
         SetWorkerThread(true);
@@ -61,22 +60,22 @@ public:
     bool mHold = false;
     std::atomic<bool> mKilled{false};
 
-protected:
+  protected:
     Ledger* mLedger;
     int mId, mKind, mLauncher;
 };
 
 // Distinct most derived classes: two single-run kinds and an ordinary one.
 class KindA : public StressTask {
-public:
+  public:
     using StressTask::StressTask;
 };
 class KindB : public StressTask {
-public:
+  public:
     using StressTask::StressTask;
 };
 class KindPlain : public StressTask {
-public:
+  public:
     using StressTask::StressTask;
 };
 
@@ -93,7 +92,7 @@ StressTask* Make(Ledger* ledger, int id, int kind, int launcher) {
 
 // Swaps itself for its partner during the broadcasts it hears.
 class Juggler : public LListener {
-public:
+  public:
     Juggler* partner = nullptr;
     std::atomic<int> heard{0};
     bool ListenToMessage(int32_t message, void*) override {

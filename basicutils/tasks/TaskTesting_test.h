@@ -2,6 +2,10 @@
 // step with its thread, a gate to hold a task in RunSelf, and a pump loop.
 #pragma once
 
+#include <basicutils/platform/MessageQueue.h>
+#include <basicutils/platform/Threads.h>
+#include <basicutils/tasks/CThreadAction.h>
+#include <basicutils/tasks/CVelmorantThread.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -12,11 +16,6 @@
 #include <string>
 #include <vector>
 
-#include <basicutils/platform/MessageQueue.h>
-#include <basicutils/platform/Threads.h>
-#include <basicutils/tasks/CThreadAction.h>
-#include <basicutils/tasks/CVelmorantThread.h>
-
 namespace basicutils::testing_support {
 
 struct Event {
@@ -26,7 +25,7 @@ struct Event {
 };
 
 class EventLog {
-public:
+  public:
     void Add(const std::string& what, const std::string& task) {
         std::lock_guard<std::mutex> g(mLock);
         mEvents.push_back({what, task, GetCurrentThreadId()});
@@ -52,14 +51,14 @@ public:
         return 0;
     }
 
-private:
+  private:
     std::mutex mLock;
     std::vector<Event> mEvents;
 };
 
 // Holds RunSelf until opened.
 class Gate {
-public:
+  public:
     void Open() {
         std::lock_guard<std::mutex> g(mLock);
         mOpen = true;
@@ -70,14 +69,14 @@ public:
         mCv.wait(l, [&] { return mOpen; });
     }
 
-private:
+  private:
     std::mutex mLock;
     std::condition_variable mCv;
     bool mOpen = false;
 };
 
 class LoggedTask : public CVelmorantThread {
-public:
+  public:
     LoggedTask(EventLog* log, std::string name, bool worker, bool autoDelete = true)
         : CVelmorantThread(autoDelete), mLog(log), mName(std::move(name)) {
         SetWorkerThread(worker);
@@ -115,7 +114,7 @@ public:
 };
 
 class SingleTask : public LoggedTask {
-public:
+  public:
     SingleTask(EventLog* log, std::string name) : LoggedTask(log, std::move(name), true) {
         mSingleRun = true;
     }
@@ -123,13 +122,13 @@ public:
 
 // A subclass is a class of its own for the single-run rule.
 class DerivedSingleTask : public SingleTask {
-public:
+  public:
     using SingleTask::SingleTask;
 };
 
 // Records what a broadcaster sends, with the task's name.
 class MessageLog : public LListener {
-public:
+  public:
     explicit MessageLog(EventLog* log) : mLog(log) {}
     bool ListenToMessage(int32_t message, void* param) override {
         if (message == kMsgBroadcasterDied) return false;
@@ -138,7 +137,7 @@ public:
         return true;
     }
 
-private:
+  private:
     EventLog* mLog;
 };
 

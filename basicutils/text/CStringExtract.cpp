@@ -30,13 +30,17 @@ int CopyBeforeQuote(const Char* text, Char* out) {
 
 }  // namespace
 
-int CStringExtract::SeekLeftDoubleQuat(const char16_t* text) { return FindQuote(text) + 1; }
+int CStringExtract::SeekLeftDoubleQuat(const char16_t* text) {
+    return FindQuote(text) + 1;
+}
 
 int CStringExtract::GetString(const char16_t* text, char16_t* out) {
     return CopyBeforeQuote(text, out);
 }
 
-int CStringExtract::SeekLeftDoubleQuatChar(const char* text) { return FindQuote(text) + 1; }
+int CStringExtract::SeekLeftDoubleQuatChar(const char* text) {
+    return FindQuote(text) + 1;
+}
 
 int CStringExtract::GetStringChar(const char* text, char* out) {
     return CopyBeforeQuote(text, out);

@@ -17,7 +17,7 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT CStringExtract {
-public:
+  public:
     // Index of the first double quote plus 1, or 0 if there is none.
     static int SeekLeftDoubleQuat(const char16_t* text);
     // Copies what stands before the first double quote to out, terminated,

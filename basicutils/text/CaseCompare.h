@@ -17,9 +17,9 @@
 // never stand in for the C library's own 8-bit strcasecmp.
 #pragma once
 
-#include <cstdint>
-
 #include <basicutils/Export.h>
+
+#include <cstdint>
 
 namespace basicutils {
 

@@ -1,12 +1,11 @@
+#include <basicutils/platform/CodePage.h>
 #include <basicutils/text/MString.h>
+#include <basicutils/text/WideString.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <new>
-
-#include <basicutils/platform/CodePage.h>
-#include <basicutils/text/WideString.h>
 
 namespace basicutils {
 
@@ -21,7 +20,9 @@ char16_t* NewEmptyBlock(size_t units) {
     return block;
 }
 
-const char16_t* OrEmpty(const char16_t* s) { return s ? s : u""; }
+const char16_t* OrEmpty(const char16_t* s) {
+    return s ? s : u"";
+}
 
 }  // namespace
 
@@ -47,7 +48,9 @@ MString::MString(unsigned int n) : mBuffer(NewEmptyBlock(n)) {}
 
 MString::MString(char16_t* block, TakeOver) : mBuffer(block) {}
 
-MString::~MString() { delete[] mBuffer; }
+MString::~MString() {
+    delete[] mBuffer;
+}
 
 void MString::Assign(const char16_t* text, size_t units) {
     auto* block = new char16_t[units + 1];
@@ -69,13 +72,21 @@ MString& MString::operator=(const MString& other) {
     return *this = other.mBuffer;
 }
 
-int MString::GetLength() const { return static_cast<int>(wcslen(mBuffer)); }
+int MString::GetLength() const {
+    return static_cast<int>(wcslen(mBuffer));
+}
 
-int MString::CaseCmp(const char16_t* s) const { return _wcsicmp(mBuffer, OrEmpty(s)) == 0; }
+int MString::CaseCmp(const char16_t* s) const {
+    return _wcsicmp(mBuffer, OrEmpty(s)) == 0;
+}
 
-int MString::CaseCmp(const MString& s) const { return CaseCmp(s.mBuffer); }
+int MString::CaseCmp(const MString& s) const {
+    return CaseCmp(s.mBuffer);
+}
 
-MString& MString::operator+=(const MString& s) { return *this += s.mBuffer; }
+MString& MString::operator+=(const MString& s) {
+    return *this += s.mBuffer;
+}
 
 MString& MString::operator+=(const char16_t* s) {
     s = OrEmpty(s);
@@ -122,7 +133,7 @@ void MString::VFormat(const char16_t* format, va_list args) {
         }
         char16_t conversion = *++p;
         if (!conversion) break;  // a lone '%' at the end
-        char digits[400];  // room for the widest "%f" of a double
+        char digits[400];        // room for the widest "%f" of a double
         switch (conversion) {
             case u'd': {
                 auto r = std::to_chars(digits, digits + sizeof digits, va_arg(args, int));
@@ -155,7 +166,9 @@ void MString::VFormat(const char16_t* format, va_list args) {
     Assign(out, n);
 }
 
-void MString::StripNewline() { RemoveTailChar(u'\n'); }
+void MString::StripNewline() {
+    RemoveTailChar(u'\n');
+}
 
 int MString::Cut(int start, int count) {
     if (start < 0 || count < 0) count = 0;
@@ -199,9 +212,13 @@ void TrimTail(char16_t* buffer, char16_t c, bool all) {
 
 }  // namespace
 
-void MString::RemoveTailSpace(bool all) { TrimTail(mBuffer, u' ', all); }
+void MString::RemoveTailSpace(bool all) {
+    TrimTail(mBuffer, u' ', all);
+}
 
-void MString::RemoveTailCR(bool all) { TrimTail(mBuffer, u'\n', all); }
+void MString::RemoveTailCR(bool all) {
+    TrimTail(mBuffer, u'\n', all);
+}
 
 void MString::RemoveTailSpaceAndCR(bool all) {
     RemoveTailCR(all);
@@ -289,14 +306,15 @@ void MString::DoMapWindowsCharactersToASCII(char* text, int32_t length) {
     // Rows 0x80..0xFF of the Windows set; entry 0x80 is never used because
     // byte 128 itself stays.
     static constexpr unsigned char kMap[128] = {
-        0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20,
-        0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20,
-        0x20, 0xC1, 0xA2, 0xA3, 0xDB, 0xB4, 0x7C, 0xA4, 0xAC, 0xA9, 0x5F, 0xC7, 0xC2, 0xD1, 0xA8, 0xD1,
-        0xBC, 0xB1, 0x5F, 0x5F, 0xAB, 0xB5, 0xB8, 0xA5, 0x5F, 0x5F, 0x5F, 0xC8, 0x5F, 0x5F, 0x5F, 0xC0,
-        0xCB, 0xE7, 0x89, 0x8B, 0x80, 0x81, 0xAE, 0x82, 0xE9, 0x83, 0xE6, 0xE8, 0xED, 0xEA, 0xEB, 0xEC,
-        0x5F, 0x84, 0xF1, 0xEE, 0xEF, 0xCD, 0x85, 0x5F, 0xAF, 0xF4, 0xF2, 0xF3, 0x86, 0x5F, 0x5F, 0xA7,
-        0x88, 0x87, 0x89, 0x8B, 0x8A, 0x8C, 0xBE, 0x8D, 0x8F, 0x8E, 0x90, 0x91, 0x93, 0x92, 0x94, 0x95,
-        0x5F, 0x96, 0x98, 0x97, 0x99, 0x9B, 0x9A, 0xD6, 0xBF, 0x9D, 0x9C, 0x9E, 0x9F, 0x5F, 0x5F, 0xD8,
+        0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20,
+        0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20, 0x20,
+        0x20, 0x20, 0x20, 0xC1, 0xA2, 0xA3, 0xDB, 0xB4, 0x7C, 0xA4, 0xAC, 0xA9, 0x5F, 0xC7, 0xC2,
+        0xD1, 0xA8, 0xD1, 0xBC, 0xB1, 0x5F, 0x5F, 0xAB, 0xB5, 0xB8, 0xA5, 0x5F, 0x5F, 0x5F, 0xC8,
+        0x5F, 0x5F, 0x5F, 0xC0, 0xCB, 0xE7, 0x89, 0x8B, 0x80, 0x81, 0xAE, 0x82, 0xE9, 0x83, 0xE6,
+        0xE8, 0xED, 0xEA, 0xEB, 0xEC, 0x5F, 0x84, 0xF1, 0xEE, 0xEF, 0xCD, 0x85, 0x5F, 0xAF, 0xF4,
+        0xF2, 0xF3, 0x86, 0x5F, 0x5F, 0xA7, 0x88, 0x87, 0x89, 0x8B, 0x8A, 0x8C, 0xBE, 0x8D, 0x8F,
+        0x8E, 0x90, 0x91, 0x93, 0x92, 0x94, 0x95, 0x5F, 0x96, 0x98, 0x97, 0x99, 0x9B, 0x9A, 0xD6,
+        0xBF, 0x9D, 0x9C, 0x9E, 0x9F, 0x5F, 0x5F, 0xD8,
     };
     if (!text) return;
     for (int32_t i = 0; i < length; ++i) {
@@ -306,20 +324,46 @@ void MString::DoMapWindowsCharactersToASCII(char* text, int32_t length) {
 }
 
 namespace {
-const char16_t* Text(const MString& s) { return s; }
+const char16_t* Text(const MString& s) {
+    return s;
+}
 }  // namespace
 
-int operator==(const MString& a, const MString& b) { return wcscmp(Text(a), Text(b)) == 0; }
-int operator==(const char16_t* a, const MString& b) { return wcscmp(OrEmpty(a), Text(b)) == 0; }
-int operator==(const MString& a, const char16_t* b) { return wcscmp(Text(a), OrEmpty(b)) == 0; }
-int operator!=(const MString& a, const MString& b) { return wcscmp(Text(a), Text(b)) != 0; }
-int operator!=(const char16_t* a, const MString& b) { return wcscmp(OrEmpty(a), Text(b)) != 0; }
-int operator!=(const MString& a, const char16_t* b) { return wcscmp(Text(a), OrEmpty(b)) != 0; }
-int operator>(const MString& a, const MString& b) { return wcscmp(Text(a), Text(b)) > 0; }
-int operator>(const char16_t* a, const MString& b) { return wcscmp(OrEmpty(a), Text(b)) > 0; }
-int operator>(const MString& a, const char16_t* b) { return wcscmp(Text(a), OrEmpty(b)) > 0; }
-int operator<(const MString& a, const MString& b) { return wcscmp(Text(a), Text(b)) < 0; }
-int operator<(const char16_t* a, const MString& b) { return wcscmp(OrEmpty(a), Text(b)) < 0; }
-int operator<(const MString& a, const char16_t* b) { return wcscmp(Text(a), OrEmpty(b)) < 0; }
+int operator==(const MString& a, const MString& b) {
+    return wcscmp(Text(a), Text(b)) == 0;
+}
+int operator==(const char16_t* a, const MString& b) {
+    return wcscmp(OrEmpty(a), Text(b)) == 0;
+}
+int operator==(const MString& a, const char16_t* b) {
+    return wcscmp(Text(a), OrEmpty(b)) == 0;
+}
+int operator!=(const MString& a, const MString& b) {
+    return wcscmp(Text(a), Text(b)) != 0;
+}
+int operator!=(const char16_t* a, const MString& b) {
+    return wcscmp(OrEmpty(a), Text(b)) != 0;
+}
+int operator!=(const MString& a, const char16_t* b) {
+    return wcscmp(Text(a), OrEmpty(b)) != 0;
+}
+int operator>(const MString& a, const MString& b) {
+    return wcscmp(Text(a), Text(b)) > 0;
+}
+int operator>(const char16_t* a, const MString& b) {
+    return wcscmp(OrEmpty(a), Text(b)) > 0;
+}
+int operator>(const MString& a, const char16_t* b) {
+    return wcscmp(Text(a), OrEmpty(b)) > 0;
+}
+int operator<(const MString& a, const MString& b) {
+    return wcscmp(Text(a), Text(b)) < 0;
+}
+int operator<(const char16_t* a, const MString& b) {
+    return wcscmp(OrEmpty(a), Text(b)) < 0;
+}
+int operator<(const MString& a, const char16_t* b) {
+    return wcscmp(Text(a), OrEmpty(b)) < 0;
+}
 
 }  // namespace basicutils

@@ -27,11 +27,11 @@
 //   string by accident.
 #pragma once
 
+#include <basicutils/Export.h>
+
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
-
-#include <basicutils/Export.h>
 
 namespace basicutils {
 
@@ -43,7 +43,7 @@ enum character_set_type : int32_t {
 };
 
 class BASICUTILS_EXPORT MString {
-public:
+  public:
     MString();
     // n == 0 copies all of s up to its terminator. Any other n makes a block
     // of n + 1 units that receives up to n units of s, zeros behind them.
@@ -117,10 +117,10 @@ public:
     // the Macintosh one. Bytes up to 128 stay.
     static void DoMapWindowsCharactersToASCII(char* text, int32_t length);
 
-protected:
+  protected:
     char16_t* mBuffer;
 
-private:
+  private:
     // Takes over block, allocated with new[], without copying. The second
     // argument only selects this constructor; its own type keeps a caller's
     // non-const buffer from picking it instead of the copying one.

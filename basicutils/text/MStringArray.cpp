@@ -1,16 +1,21 @@
 #include <basicutils/text/MStringArray.h>
-
 #include <basicutils/text/MStringList.h>
 
 namespace basicutils {
 
 MStringArray::MStringArray() : mStrings(nullptr), mCount(0) {}
 
-MStringArray::MStringArray(int n) : MStringArray() { SetSize(n); }
+MStringArray::MStringArray(int n) : MStringArray() {
+    SetSize(n);
+}
 
-MStringArray::MStringArray(const MStringArray& other) : MStringArray() { *this = other; }
+MStringArray::MStringArray(const MStringArray& other) : MStringArray() {
+    *this = other;
+}
 
-MStringArray::~MStringArray() { RemoveAll(); }
+MStringArray::~MStringArray() {
+    RemoveAll();
+}
 
 void MStringArray::RemoveAll() {
     delete[] mStrings;
@@ -33,7 +38,9 @@ void MStringArray::SetAt(int i, const char16_t* s) {
     if (InRange(i)) mStrings[i] = s;
 }
 
-MString* MStringArray::GetAt(int i) const { return InRange(i) ? &mStrings[i] : nullptr; }
+MString* MStringArray::GetAt(int i) const {
+    return InRange(i) ? &mStrings[i] : nullptr;
+}
 
 const char16_t* MStringArray::GetAtConst(int i) const {
     return InRange(i) ? static_cast<const char16_t*>(mStrings[i]) : nullptr;

@@ -18,7 +18,7 @@ namespace basicutils {
 class MStringList;
 
 class BASICUTILS_EXPORT MStringArray {
-public:
+  public:
     MStringArray();
     explicit MStringArray(int n);
     MStringArray(const MStringArray& other);
@@ -46,11 +46,11 @@ public:
     void DeleteAt(int i);
     void SortByName() {}
 
-protected:
+  protected:
     MString* mStrings;  // new[]; null while the array has no block
     int mCount;
 
-private:
+  private:
     bool InRange(int i) const { return i >= 0 && i < mCount; }
     // A new block of mCount + delta strings: the old ones in order, with
     // `text` inserted at `at` (delta 1) or the string at `at` left out

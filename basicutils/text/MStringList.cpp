@@ -11,7 +11,9 @@ MStringList::~MStringList() {
     delete mList;
 }
 
-void MStringList::Add(const char16_t* s) { mList->AddList(new MString(s)); }
+void MStringList::Add(const char16_t* s) {
+    mList->AddList(new MString(s));
+}
 
 void MStringList::AddFormat(const char16_t* format, ...) {
     MString text;

@@ -20,7 +20,7 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT MStringList {
-public:
+  public:
     MStringList();
     ~MStringList();
     MStringList(const MStringList&) = delete;
@@ -42,7 +42,7 @@ public:
     MStringList& operator=(MStringList& other);
     MStringList& operator=(const MStringArray& array);
 
-protected:
+  protected:
     CVoidList* mList;
 };
 

@@ -1,5 +1,4 @@
 #include <basicutils/text/MStringList.h>
-
 #include <gtest/gtest.h>
 
 #include <string>
@@ -36,16 +35,26 @@ TEST(MStringArray, IndexedEditsKeepOrderAndIgnoreBadIndices) {
         const char16_t* start;
         const char16_t* result;
     } cases[] = {
-        {kBefore, 0, 0, u"", u"s"},           {kBefore, 4, 0, u"a,b,c,d", u"a,b,c,d,s"},
-        {kBefore, 5, 0, u"a,b,c,d", u"a,b,c,d"}, {kBefore, -1, 0, u"a,b", u"a,b"},
-        {kAfter, 1, 0, u"a,b,c", u"a,b,s,c"},  {kAfter, 0, 0, u"", u""},
-        {kAfter, 3, 0, u"a,b,c", u"a,b,c"},    {kChange, 0, 2, u"a,b,c,d", u"c,a,b,d"},
-        {kChange, 2, 0, u"a,b,c,d", u"b,c,a,d"}, {kChange, 1, 1, u"a,b,c,d", u"a,b,c,d"},
-        {kChange, 0, 4, u"a,b,c,d", u"a,b,c,d"}, {kSwap, 0, 3, u"a,b,c,d", u"d,b,c,a"},
-        {kSwap, 1, 1, u"a,b,c", u"a,b,c"},     {kSwap, 0, 9, u"a,b,c", u"a,b,c"},
-        {kDelete, 0, 0, u"a", u""},            {kDelete, 1, 0, u"a,b,c", u"a,c"},
-        {kDelete, 3, 0, u"a,b,c", u"a,b,c"},   {kSetAt, 2, 0, u"a,b,c", u"a,b,s"},
-        {kSetAt, 3, 0, u"a,b,c", u"a,b,c"},    {kSort, 0, 0, u"c,a,b", u"c,a,b"},
+        {kBefore, 0, 0, u"", u"s"},
+        {kBefore, 4, 0, u"a,b,c,d", u"a,b,c,d,s"},
+        {kBefore, 5, 0, u"a,b,c,d", u"a,b,c,d"},
+        {kBefore, -1, 0, u"a,b", u"a,b"},
+        {kAfter, 1, 0, u"a,b,c", u"a,b,s,c"},
+        {kAfter, 0, 0, u"", u""},
+        {kAfter, 3, 0, u"a,b,c", u"a,b,c"},
+        {kChange, 0, 2, u"a,b,c,d", u"c,a,b,d"},
+        {kChange, 2, 0, u"a,b,c,d", u"b,c,a,d"},
+        {kChange, 1, 1, u"a,b,c,d", u"a,b,c,d"},
+        {kChange, 0, 4, u"a,b,c,d", u"a,b,c,d"},
+        {kSwap, 0, 3, u"a,b,c,d", u"d,b,c,a"},
+        {kSwap, 1, 1, u"a,b,c", u"a,b,c"},
+        {kSwap, 0, 9, u"a,b,c", u"a,b,c"},
+        {kDelete, 0, 0, u"a", u""},
+        {kDelete, 1, 0, u"a,b,c", u"a,c"},
+        {kDelete, 3, 0, u"a,b,c", u"a,b,c"},
+        {kSetAt, 2, 0, u"a,b,c", u"a,b,s"},
+        {kSetAt, 3, 0, u"a,b,c", u"a,b,c"},
+        {kSort, 0, 0, u"c,a,b", u"c,a,b"},
     };
     for (auto& c : cases) {
         MStringArray a;
@@ -53,13 +62,27 @@ TEST(MStringArray, IndexedEditsKeepOrderAndIgnoreBadIndices) {
         for (size_t at = 0; at < start.size(); at += 2)
             a.InsertBefore(a.GetSize(), start.substr(at, 1).c_str());
         switch (c.op) {
-            case kBefore: a.InsertBefore(c.i, u"s"); break;
-            case kAfter: a.InsertAfter(c.i, u"s"); break;
-            case kChange: a.Change(c.i, c.j); break;
-            case kSwap: a.Swap(c.i, c.j); break;
-            case kDelete: a.DeleteAt(c.i); break;
-            case kSetAt: a.SetAt(c.i, u"s"); break;
-            case kSort: a.SortByName(); break;
+            case kBefore:
+                a.InsertBefore(c.i, u"s");
+                break;
+            case kAfter:
+                a.InsertAfter(c.i, u"s");
+                break;
+            case kChange:
+                a.Change(c.i, c.j);
+                break;
+            case kSwap:
+                a.Swap(c.i, c.j);
+                break;
+            case kDelete:
+                a.DeleteAt(c.i);
+                break;
+            case kSetAt:
+                a.SetAt(c.i, u"s");
+                break;
+            case kSort:
+                a.SortByName();
+                break;
         }
         EXPECT_EQ(Join(a), c.result) << c.op << " " << c.i << " " << c.j << " on " << start.size();
     }

@@ -1,10 +1,9 @@
+#include <basicutils/text/MString.h>
 #include <basicutils/text/UStringUtils.h>
+#include <basicutils/text/WideString.h>
 
 #include <algorithm>
 #include <cstring>
-
-#include <basicutils/text/MString.h>
-#include <basicutils/text/WideString.h>
 
 namespace basicutils {
 
@@ -28,35 +27,49 @@ unsigned int UStringUtils::strlen(const char16_t* s) {
     return static_cast<unsigned int>(wcslen(s));
 }
 
-char16_t* UStringUtils::strcpy(char16_t* dst, const char16_t* src) { return wcscpy(dst, src); }
+char16_t* UStringUtils::strcpy(char16_t* dst, const char16_t* src) {
+    return wcscpy(dst, src);
+}
 
 char16_t* UStringUtils::strncpy(char16_t* dst, const char16_t* src, unsigned int count) {
     return wcsncpy(dst, src, count);
 }
 
-char16_t* UStringUtils::strcat(char16_t* dst, const char16_t* src) { return wcscat(dst, src); }
+char16_t* UStringUtils::strcat(char16_t* dst, const char16_t* src) {
+    return wcscat(dst, src);
+}
 
 char16_t* UStringUtils::strncat(char16_t* dst, const char16_t* src, unsigned int count) {
     return wcsncat(dst, src, count);
 }
 
-int UStringUtils::strcmp(const char16_t* a, const char16_t* b) { return wcscmp(a, b); }
+int UStringUtils::strcmp(const char16_t* a, const char16_t* b) {
+    return wcscmp(a, b);
+}
 
 int UStringUtils::strncmp(const char16_t* a, const char16_t* b, unsigned int count) {
     return wcsncmp(a, b, count);
 }
 
-int UStringUtils::stricmp(const char16_t* a, const char16_t* b) { return _wcsicmp(a, b); }
+int UStringUtils::stricmp(const char16_t* a, const char16_t* b) {
+    return _wcsicmp(a, b);
+}
 
 int UStringUtils::strnicmp(const char16_t* a, const char16_t* b, unsigned int count) {
     return _wcsnicmp(a, b, count);
 }
 
-int UStringUtils::atoi(const char16_t* s) { return _wtoi(s); }
+int UStringUtils::atoi(const char16_t* s) {
+    return _wtoi(s);
+}
 
-double UStringUtils::atof(const char16_t* s) { return _wtof(s); }
+double UStringUtils::atof(const char16_t* s) {
+    return _wtof(s);
+}
 
-char16_t* UStringUtils::strtok(char16_t* s, const char16_t* delims) { return wcstok(s, delims); }
+char16_t* UStringUtils::strtok(char16_t* s, const char16_t* delims) {
+    return wcstok(s, delims);
+}
 
 char* UStringUtils::TtoA(const char16_t* text) {
     if (!text) {

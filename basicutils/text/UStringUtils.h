@@ -23,7 +23,7 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT UStringUtils {
-public:
+  public:
     static char16_t* strchr(const char16_t* s, int c);
     static char16_t* strrchr(const char16_t* s, int c);
     static char16_t* strstr(const char16_t* s, const char16_t* needle);
@@ -46,7 +46,7 @@ public:
     static constexpr int kTBufferUnits = 2048;
     static constexpr int kABufferBytes = 1024;
 
-protected:
+  protected:
     static char16_t mTBuffer[kTBufferUnits];
     static char mABuffer[kABufferBytes + 1];
 };

@@ -14,11 +14,17 @@ namespace basicutils {
 namespace {
 
 // Lower case of one unit for the case-blind comparisons.
-inline unsigned FoldLower(char16_t c) { return towlower(c); }
+inline unsigned FoldLower(char16_t c) {
+    return towlower(c);
+}
 
-inline bool IsAsciiSpace(char16_t c) { return c == u' ' || (c >= 9 && c <= 13); }
+inline bool IsAsciiSpace(char16_t c) {
+    return c == u' ' || (c >= 9 && c <= 13);
+}
 
-inline bool IsDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+inline bool IsDigit(char16_t c) {
+    return c >= u'0' && c <= u'9';
+}
 
 thread_local char16_t* tTokenPosition = nullptr;
 

@@ -34,9 +34,9 @@
 // runtime's functions do; null is the caller's fault.
 #pragma once
 
-#include <cstddef>
-
 #include <basicutils/Export.h>
+
+#include <cstddef>
 
 namespace basicutils {
 

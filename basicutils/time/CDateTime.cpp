@@ -1,6 +1,5 @@
-#include <basicutils/time/CDateTime.h>
-
 #include <basicutils/platform/LocalTime.h>
+#include <basicutils/time/CDateTime.h>
 
 #include <cmath>
 #include <cstdint>
@@ -18,7 +17,9 @@ int TruncateToInt(double value) {
 }
 
 // Leap years among 1..n (n >= 0).
-int64_t LeapYearsThrough(int64_t n) { return n / 4 - n / 100 + n / 400; }
+int64_t LeapYearsThrough(int64_t n) {
+    return n / 4 - n / 100 + n / 400;
+}
 
 // Days from 1 January of year 0 to 1 January of the given year; nothing for
 // years at or below 0, as a walk from year 0 up to the year would add.
@@ -38,13 +39,24 @@ int CDateTime::IsLeapYear(int year) {
     return (year % 100 != 0 || year % 400 == 0) ? 1 : 0;
 }
 
-int CDateTime::GetTotalDayOfYear(int year) { return IsLeapYear(year) ? 366 : 365; }
+int CDateTime::GetTotalDayOfYear(int year) {
+    return IsLeapYear(year) ? 366 : 365;
+}
 
 int CDateTime::GetTotalDayOfMonth(int month, int leap) {
     switch (month) {
-        case 1: case 3: case 5: case 7: case 8: case 10: case 12: return 31;
-        case 2: return 28 + leap;
-        default: return 30;
+        case 1:
+        case 3:
+        case 5:
+        case 7:
+        case 8:
+        case 10:
+        case 12:
+            return 31;
+        case 2:
+            return 28 + leap;
+        default:
+            return 30;
     }
 }
 
@@ -110,7 +122,8 @@ void CDateTime::ParseDate() {
 }
 
 void CDateTime::SetTime(int hour, int minute, int second) {
-    int64_t seconds = static_cast<int64_t>(hour) * 3600 + static_cast<int64_t>(minute) * 60 + second;
+    int64_t seconds =
+        static_cast<int64_t>(hour) * 3600 + static_cast<int64_t>(minute) * 60 + second;
     mDateTime = std::trunc(mDateTime) + static_cast<double>(seconds) / 86400.0;
 }
 
@@ -118,16 +131,30 @@ int CDateTime::SecondsOfDay() const {
     return TruncateToInt((mDateTime - std::trunc(mDateTime)) * 86400.0);
 }
 
-int CDateTime::GetHour() { return SecondsOfDay() / 3600; }
+int CDateTime::GetHour() {
+    return SecondsOfDay() / 3600;
+}
 
-int CDateTime::GetMinute() { return (SecondsOfDay() - GetHour() * 3600) / 60; }
+int CDateTime::GetMinute() {
+    return (SecondsOfDay() - GetHour() * 3600) / 60;
+}
 
-int CDateTime::GetSecond() { return SecondsOfDay() % 60; }
+int CDateTime::GetSecond() {
+    return SecondsOfDay() % 60;
+}
 
-int operator<(const CDateTime& a, const CDateTime& b) { return a.GetDateTime() < b.GetDateTime(); }
-int operator>(const CDateTime& a, const CDateTime& b) { return a.GetDateTime() > b.GetDateTime(); }
-int operator<=(const CDateTime& a, const CDateTime& b) { return a.GetDateTime() <= b.GetDateTime(); }
-int operator>=(const CDateTime& a, const CDateTime& b) { return a.GetDateTime() >= b.GetDateTime(); }
+int operator<(const CDateTime& a, const CDateTime& b) {
+    return a.GetDateTime() < b.GetDateTime();
+}
+int operator>(const CDateTime& a, const CDateTime& b) {
+    return a.GetDateTime() > b.GetDateTime();
+}
+int operator<=(const CDateTime& a, const CDateTime& b) {
+    return a.GetDateTime() <= b.GetDateTime();
+}
+int operator>=(const CDateTime& a, const CDateTime& b) {
+    return a.GetDateTime() >= b.GetDateTime();
+}
 
 CDateTime operator+(const CDateTime& a, const CDateTime& b) {
     return CDateTime(a.GetDateTime() + b.GetDateTime());
@@ -137,7 +164,9 @@ CDateTime operator-(const CDateTime& a, const CDateTime& b) {
     return CDateTime(a.GetDateTime() - b.GetDateTime());
 }
 
-int GetNowDate(char*, unsigned int) { return 0; }
+int GetNowDate(char*, unsigned int) {
+    return 0;
+}
 
 namespace {
 std::tm LocalNow() {
@@ -149,15 +178,21 @@ std::tm LocalNow() {
 }
 }  // namespace
 
-int GetDayNumberofYear() { return LocalNow().tm_yday + 1; }
+int GetDayNumberofYear() {
+    return LocalNow().tm_yday + 1;
+}
 
 int GetYearWithinCentury() {
     int year = LocalNow().tm_year;
     return year >= 100 ? year % 100 : year;
 }
 
-int GetLocalDayNumberofYear() { return 0; }
+int GetLocalDayNumberofYear() {
+    return 0;
+}
 
-int GetLocalYearWithinCentury() { return 0; }
+int GetLocalYearWithinCentury() {
+    return 0;
+}
 
 }  // namespace basicutils

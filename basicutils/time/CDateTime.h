@@ -25,7 +25,7 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT CDateTime {
-public:
+  public:
     CDateTime(double value = 0.0);
     CDateTime(const CDateTime& other);
     CDateTime& operator=(const CDateTime& other);
@@ -50,7 +50,7 @@ public:
     static int GetTotalDayOfYear(int year);
     static int GetTotalDayOfMonth(int month, int leap);
 
-protected:
+  protected:
     void ParseDate();
 
     double mDateTime;
@@ -58,7 +58,7 @@ protected:
     int mMonth;
     int mDay;
 
-private:
+  private:
     int SecondsOfDay() const;
 };
 

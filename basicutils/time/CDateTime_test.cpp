@@ -1,7 +1,5 @@
-#include <basicutils/time/CDateTime.h>
-
 #include <basicutils/platform/LocalTime.h>
-
+#include <basicutils/time/CDateTime.h>
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -22,7 +20,8 @@ TEST(CDateTime, EveryDayOfFiftyCenturiesRoundTrips) {
         ASSERT_EQ(value.GetMonth(), month) << n;
         ASSERT_EQ(value.GetDay(), day) << n;
         probe.SetDate(year, month, day);
-        ASSERT_EQ(probe.GetDateTime(), static_cast<double>(n)) << year << "-" << month << "-" << day;
+        ASSERT_EQ(probe.GetDateTime(), static_cast<double>(n))
+            << year << "-" << month << "-" << day;
         bool leap = year != 0 && year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
         int length = kMonthDays[month - 1] + (month == 2 && leap ? 1 : 0);
         if (++day > length) {
@@ -35,14 +34,16 @@ TEST(CDateTime, EveryDayOfFiftyCenturiesRoundTrips) {
 TEST(CDateTime, LeapRuleAndMonthLengths) {
     struct {
         int year, leap;
-    } years[] = {{0, 0}, {1, 0}, {4, 1}, {100, 0}, {400, 1}, {1900, 0}, {2000, 1}, {2023, 0}, {2024, 1}};
+    } years[] = {{0, 0},    {1, 0},    {4, 1},    {100, 0}, {400, 1},
+                 {1900, 0}, {2000, 1}, {2023, 0}, {2024, 1}};
     for (auto& y : years) {
         EXPECT_EQ(CDateTime::IsLeapYear(y.year), y.leap) << y.year;
         EXPECT_EQ(CDateTime::GetTotalDayOfYear(y.year), 365 + y.leap) << y.year;
     }
     struct {
         int month, leap, days;
-    } months[] = {{1, 0, 31}, {2, 0, 28}, {2, 1, 29}, {4, 0, 30}, {12, 1, 31}, {0, 0, 30}, {13, 0, 30}};
+    } months[] = {{1, 0, 31},  {2, 0, 28}, {2, 1, 29}, {4, 0, 30},
+                  {12, 1, 31}, {0, 0, 30}, {13, 0, 30}};
     for (auto& m : months)
         EXPECT_EQ(CDateTime::GetTotalDayOfMonth(m.month, m.leap), m.days) << m.month;
 }

@@ -4,7 +4,9 @@ namespace basicutils {
 
 namespace {
 // 00:00:00:01: adding it to a label adds one frame, subtracting takes one.
-CTimecode OneFrame(frame_type_t type) { return CTimecode(0, 0, 0, 1, type); }
+CTimecode OneFrame(frame_type_t type) {
+    return CTimecode(0, 0, 0, 1, type);
+}
 }  // namespace
 
 CDuration::CDuration() : mResolution(kResolutionNTSC), mDropType(kNonDrop) {}
@@ -60,7 +62,9 @@ bool CDuration::SetEndTime(const CTimecode& end) {
     return SetDuration(end - mStartTime + OneFrame(type));
 }
 
-bool CDuration::SetStartTimeUI(const CTimecode& start) { return SetStartTime(start); }
+bool CDuration::SetStartTimeUI(const CTimecode& start) {
+    return SetStartTime(start);
+}
 
 bool CDuration::SetEndTimeUI(const CTimecode& end) {
     if (mDropType != kDrop) return SetEndTime(end);
@@ -74,7 +78,9 @@ bool CDuration::SetDurationUI(const CTimecode& duration) {
     return SetEndTimeUI(GetStartTimeUI() + duration - OneFrame(mStartTime.GetFrameType()));
 }
 
-CTimecode CDuration::ValidateStartTime(CTimecode& start) { return start; }
+CTimecode CDuration::ValidateStartTime(CTimecode& start) {
+    return start;
+}
 
 CTimecode CDuration::ValidateDuration(CTimecode& duration) {
     if (duration.GetTotalFrame() < 1) duration.SetTotalFrame(1, kFrameTypeKeep);

@@ -33,7 +33,7 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT CDuration : public LNotifier {
-public:
+  public:
     CDuration();
     CDuration(const CDuration& other);
     virtual ~CDuration();
@@ -86,7 +86,7 @@ public:
     // Start and length both 00:00:00:00, at any rate.
     bool IsNil() const;
 
-protected:
+  protected:
     resolution_t mResolution;
     drop_nondrop_t mDropType;
     CTimecode mStartTime;

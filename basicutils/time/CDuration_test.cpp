@@ -1,11 +1,10 @@
 #include <basicutils/time/CDuration.h>
-
 #include <gtest/gtest.h>
-
-#include "TimeTest_test.h"
 
 #include <string>
 #include <vector>
+
+#include "TimeTest_test.h"
 
 namespace basicutils {
 namespace {
@@ -24,7 +23,7 @@ using timetest::Recorder;
 
 // Exposes the two timecodes so that a test can listen to them.
 class Open : public CDuration {
-public:
+  public:
     CTimecode& Start() { return mStartTime; }
     CTimecode& Length() { return mDuration; }
 };
@@ -45,7 +44,9 @@ TEST(CDuration, EndIsInclusive) {
     struct {
         CTimecode t;
         bool inside;
-    } probes[] = {{T(0, 0, 10, 0), true}, {T(0, 0, 14, 29), true}, {T(0, 0, 15, 0), false},
+    } probes[] = {{T(0, 0, 10, 0), true},
+                  {T(0, 0, 14, 29), true},
+                  {T(0, 0, 15, 0), false},
                   {T(0, 0, 9, 29), false}};
     for (auto& p : probes) EXPECT_EQ(d.IsInclude(p.t), p.inside) << S(p.t);
 
@@ -126,8 +127,8 @@ TEST(CDuration, OverlapIsTheSharedStretch) {
         const char *from, *to;
     } cases[] = {
         // the other starts inside
-        {T(0, 0, 10, 0), T(0, 0, 10, 0), T(0, 0, 15, 0), T(0, 0, 10, 0), true,
-         "00:00:15:00@30", "00:00:19:29@30"},
+        {T(0, 0, 10, 0), T(0, 0, 10, 0), T(0, 0, 15, 0), T(0, 0, 10, 0), true, "00:00:15:00@30",
+         "00:00:19:29@30"},
         {T(0, 0, 10, 0), T(0, 0, 10, 0), T(0, 0, 12, 0), T(0, 0, 2, 0), true, "00:00:12:00@30",
          "00:00:13:29@30"},
         // the other ends inside: this start to its end

@@ -21,7 +21,9 @@ int32_t TruncateLow32(double value) {
 }
 
 // 32-bit wrapping arithmetic without signed overflow.
-int32_t Wrap(int64_t value) { return static_cast<int32_t>(static_cast<uint32_t>(value)); }
+int32_t Wrap(int64_t value) {
+    return static_cast<int32_t>(static_cast<uint32_t>(value));
+}
 
 uint16_t FrameLimit(frame_type_t type) {
     switch (type) {
@@ -48,15 +50,21 @@ CTimecode FromCount(const CTimecode& left, int32_t count) {
 CTimecode::CTimecode() : mFrameRate(30.0), mHour(0), mMinute(0), mSecond(0), mFrame(0) {}
 
 CTimecode::CTimecode(const CTimecode& other)
-    : LBroadcaster(other), LNotifier(other), mFrameRate(30.0), mHour(0), mMinute(0), mSecond(0),
+    : LBroadcaster(other),
+      LNotifier(other),
+      mFrameRate(30.0),
+      mHour(0),
+      mMinute(0),
+      mSecond(0),
       mFrame(0) {
     *this = other;
 }
 
-CTimecode::CTimecode(double packed) : CTimecode() { *this = packed; }
+CTimecode::CTimecode(double packed) : CTimecode() {
+    *this = packed;
+}
 
-CTimecode::CTimecode(uint16_t hour, uint16_t minute, uint16_t second, uint16_t frame,
-                     double rate)
+CTimecode::CTimecode(uint16_t hour, uint16_t minute, uint16_t second, uint16_t frame, double rate)
     : CTimecode() {
     SetTime(hour, minute, second, frame, rate);
 }
@@ -118,11 +126,17 @@ bool CTimecode::SetFrameRate(double rate) {
     return true;
 }
 
-uint16_t CTimecode::ValidateHour(uint16_t hour) { return hour; }
+uint16_t CTimecode::ValidateHour(uint16_t hour) {
+    return hour;
+}
 
-uint16_t CTimecode::ValidateMinute(uint16_t minute) { return minute < 60 ? minute : 59; }
+uint16_t CTimecode::ValidateMinute(uint16_t minute) {
+    return minute < 60 ? minute : 59;
+}
 
-uint16_t CTimecode::ValidateSecond(uint16_t second) { return second < 60 ? second : 59; }
+uint16_t CTimecode::ValidateSecond(uint16_t second) {
+    return second < 60 ? second : 59;
+}
 
 uint16_t CTimecode::ValidateFrame(uint16_t frame) {
     double rate = GetFrameRate();
@@ -136,8 +150,7 @@ double CTimecode::ValidateFrameRate(double rate) {
     return rate;
 }
 
-void CTimecode::GetTime(uint16_t& hour, uint16_t& minute, uint16_t& second,
-                        uint16_t& frame) const {
+void CTimecode::GetTime(uint16_t& hour, uint16_t& minute, uint16_t& second, uint16_t& frame) const {
     hour = GetHour();
     minute = GetMinute();
     second = GetSecond();
@@ -201,9 +214,13 @@ int32_t CTimecode::GetTotalFrame() const {
     return Wrap(int64_t{TruncateLow32(frames)} + 1);
 }
 
-double CTimecode::GetTotalSecond() const { return GetTotalFrame() / GetFrameRate(); }
+double CTimecode::GetTotalSecond() const {
+    return GetTotalFrame() / GetFrameRate();
+}
 
-double CTimecode::GetTotalMinute() const { return GetTotalSecond() * kOneSixtieth; }
+double CTimecode::GetTotalMinute() const {
+    return GetTotalSecond() * kOneSixtieth;
+}
 
 CTimecode::operator uint32_t() const {
     double ms = (GetTotalFrame() - 1.0) / mFrameRate * 1000.0;

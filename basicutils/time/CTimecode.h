@@ -32,10 +32,10 @@
 // Equality, assignment and the frame steps use the stored fields.
 #pragma once
 
-#include <cstdint>
-
 #include <basicutils/Export.h>
 #include <basicutils/messaging/LNotifier.h>
+
+#include <cstdint>
 
 namespace basicutils {
 
@@ -54,13 +54,12 @@ enum resolution_t : int32_t { kResolutionNTSC = 0, kResolutionPAL = 1 };
 enum drop_nondrop_t : int32_t { kNonDrop = 0, kDrop = 1 };
 
 class BASICUTILS_EXPORT CTimecode : public LNotifier {
-public:
+  public:
     CTimecode();
     CTimecode(const CTimecode& other);
     CTimecode(double packed);  // NOLINT(google-explicit-constructor): legacy conversion
     CTimecode(uint16_t hour, uint16_t minute, uint16_t second, uint16_t frame, double rate);
-    CTimecode(uint16_t hour, uint16_t minute, uint16_t second, uint16_t frame,
-              frame_type_t type);
+    CTimecode(uint16_t hour, uint16_t minute, uint16_t second, uint16_t frame, frame_type_t type);
     virtual ~CTimecode();
 
     // Fields: validate, store if different, hook, notify; true if changed.
@@ -88,8 +87,7 @@ public:
     virtual uint16_t GetSecond() const { return mSecond; }
     virtual uint16_t GetFrame() const { return mFrame; }
     virtual double GetFrameRate() const { return mFrameRate; }
-    virtual void GetTime(uint16_t& hour, uint16_t& minute, uint16_t& second,
-                         uint16_t& frame) const;
+    virtual void GetTime(uint16_t& hour, uint16_t& minute, uint16_t& second, uint16_t& frame) const;
 
     // Several fields at once. Every setter runs (hour, minute, second, frame
     // order) and each change notifies by itself; true if any changed. The
@@ -155,7 +153,7 @@ public:
     // Copies the five fields and notifies once if the two differ.
     CTimecode& operator=(const CTimecode& other);
 
-protected:
+  protected:
     double mFrameRate;
     uint16_t mHour;
     uint16_t mMinute;

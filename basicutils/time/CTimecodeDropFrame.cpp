@@ -51,7 +51,9 @@ int64_t SkipLeftOutLabel(int64_t total, uint16_t minute) {
 }
 
 // Counts keep 32 bits, as GetTotalFrame does.
-int32_t Low32(int64_t value) { return static_cast<int32_t>(static_cast<uint32_t>(value)); }
+int32_t Low32(int64_t value) {
+    return static_cast<int32_t>(static_cast<uint32_t>(value));
+}
 
 }  // namespace
 
@@ -63,7 +65,9 @@ void CTimecode::Drop2Nondrop(const CTimecode& start, CTimecode* result) const {
     if (result) *result = plain;
 }
 
-void CTimecode::Drop2Nondrop(const CTimecode& start) { Drop2Nondrop(start, this); }
+void CTimecode::Drop2Nondrop(const CTimecode& start) {
+    Drop2Nondrop(start, this);
+}
 
 void CTimecode::Nondrop2Drop(const CTimecode& start, CTimecode* result) const {
     int32_t dropped = DroppedMinutes(*this, start);
@@ -80,6 +84,8 @@ void CTimecode::Nondrop2Drop(const CTimecode& start, CTimecode* result) const {
     if (result) *result = label;
 }
 
-void CTimecode::Nondrop2Drop(const CTimecode& start) { Nondrop2Drop(start, this); }
+void CTimecode::Nondrop2Drop(const CTimecode& start) {
+    Nondrop2Drop(start, this);
+}
 
 }  // namespace basicutils

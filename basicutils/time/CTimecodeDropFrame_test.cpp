@@ -1,12 +1,11 @@
 #include <basicutils/time/CTimecode.h>
-
 #include <gtest/gtest.h>
-
-#include "TimeTest_test.h"
 
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+
+#include "TimeTest_test.h"
 
 namespace basicutils {
 namespace {
@@ -22,7 +21,9 @@ std::string Text(const Label& l) {
     return buf;
 }
 
-Label Of(const CTimecode& t) { return {t.GetHour(), t.GetMinute(), t.GetSecond(), t.GetFrame()}; }
+Label Of(const CTimecode& t) {
+    return {t.GetHour(), t.GetMinute(), t.GetSecond(), t.GetFrame()};
+}
 
 Label OfFrame(int64_t n) {
     return {static_cast<int>(n / 108000), static_cast<int>(n / 1800 % 60),
@@ -79,7 +80,8 @@ TEST(DropFrame, BeyondTheRangeOnlyLeftOutLabelsDiffer) {
         ASSERT_LE(std::abs(back.GetTotalFrame() - (n + 1)), 2) << Text(OfFrame(n));
         Label got = Of(label);
         if (got == StandardDrop(n)) continue;
-        ASSERT_TRUE(got.s == 0 && got.f < 2 && got.m % 10 != 0) << Text(OfFrame(n)) << " -> " << Text(got);
+        ASSERT_TRUE(got.s == 0 && got.f < 2 && got.m % 10 != 0)
+            << Text(OfFrame(n)) << " -> " << Text(got);
         ++leftOut;
     }
     EXPECT_GT(leftOut, 0);
@@ -124,7 +126,6 @@ TEST(DropFrame, KnownLabelsFromZeroAndFromALaterStart) {
     }
 }
 
-
 TEST(DropFrame, ResultNotifiesAtMostOnceAndSourcesStay) {
     CTimecode source(1, 0, 0, 0, 30.0), start(0, 0, 0, 0, 30.0), result;
     timetest::Recorder heard, heardSource;
@@ -136,7 +137,7 @@ TEST(DropFrame, ResultNotifiesAtMostOnceAndSourcesStay) {
     EXPECT_EQ(heardSource.Count(), 0u);
     source.Nondrop2Drop(start, &result);
     EXPECT_EQ(heard.Count(), 1u);  // already equal: silent
-    source.Nondrop2Drop(source);  // its own start: unchanged
+    source.Nondrop2Drop(source);   // its own start: unchanged
     EXPECT_EQ(Of(source), (Label{1, 0, 0, 0}));
     EXPECT_EQ(heardSource.Count(), 0u);
     source.Nondrop2Drop(start);

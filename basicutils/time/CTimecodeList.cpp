@@ -41,9 +41,13 @@ CTimecodeList& CTimecodeList::operator=(CTimecodeList& other) {
     return *this;
 }
 
-void CTimecodeList::Add(const CTimecode& value) { mList->AddList(new CTimecode(value)); }
+void CTimecodeList::Add(const CTimecode& value) {
+    mList->AddList(new CTimecode(value));
+}
 
-void CTimecodeList::DeleteAll() { DeleteAllOf<CTimecode>(mList); }
+void CTimecodeList::DeleteAll() {
+    DeleteAllOf<CTimecode>(mList);
+}
 
 void CTimecodeList::Change2PAL() {
     for (CTimecode* t = GetHead(); t; t = GetNext()) RelabelPAL(*t);
@@ -61,9 +65,13 @@ CDurationList& CDurationList::operator=(CDurationList& other) {
     return *this;
 }
 
-void CDurationList::Add(const CDuration& value) { mList->AddList(new CDuration(value)); }
+void CDurationList::Add(const CDuration& value) {
+    mList->AddList(new CDuration(value));
+}
 
-void CDurationList::DeleteAll() { DeleteAllOf<CDuration>(mList); }
+void CDurationList::DeleteAll() {
+    DeleteAllOf<CDuration>(mList);
+}
 
 void CDurationList::Change2PAL() {
     for (CDuration* d = GetHead(); d; d = GetNext()) {

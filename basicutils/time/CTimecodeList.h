@@ -22,7 +22,7 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT CTimecodeList {
-public:
+  public:
     CTimecodeList();
     ~CTimecodeList();
     CTimecodeList(const CTimecodeList&) = delete;
@@ -39,12 +39,12 @@ public:
 
     void Change2PAL();
 
-protected:
+  protected:
     CVoidList* mList;
 };
 
 class BASICUTILS_EXPORT CDurationList {
-public:
+  public:
     CDurationList();
     ~CDurationList();
     CDurationList(const CDurationList&) = delete;
@@ -60,7 +60,7 @@ public:
 
     void Change2PAL();
 
-protected:
+  protected:
     CVoidList* mList;
 };
 

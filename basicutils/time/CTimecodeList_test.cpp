@@ -1,10 +1,9 @@
 #include <basicutils/time/CTimecodeList.h>
-
 #include <gtest/gtest.h>
 
-#include "TimeTest_test.h"
-
 #include <string>
+
+#include "TimeTest_test.h"
 
 namespace basicutils {
 namespace {

@@ -1,6 +1,5 @@
-#include <basicutils/time/CTimecodeParser.h>
-
 #include <basicutils/text/WideString.h>
+#include <basicutils/time/CTimecodeParser.h>
 
 #include <string>
 #include <string_view>
@@ -9,7 +8,9 @@ namespace basicutils {
 
 namespace {
 
-uint16_t ReadNumber(const MString& text) { return static_cast<uint16_t>(_wtoi(text)); }
+uint16_t ReadNumber(const MString& text) {
+    return static_cast<uint16_t>(_wtoi(text));
+}
 
 // "%d", with a '0' in front of a single digit.
 MString TwoDigits(uint16_t value) {
@@ -26,7 +27,9 @@ MString TwoDigits(uint16_t value) {
     return MString(text);
 }
 
-MString Piece(std::u16string_view text) { return MString(std::u16string(text).c_str()); }
+MString Piece(std::u16string_view text) {
+    return MString(std::u16string(text).c_str());
+}
 
 }  // namespace
 
@@ -73,15 +76,31 @@ void CTimecodeParser::Parse(const char16_t* text, bool keepFrameType) {
     mHourText = Piece(rest);
 }
 
-uint16_t CTimecodeParser::GetHour() const { return ReadNumber(mHourText); }
-uint16_t CTimecodeParser::GetMinute() const { return ReadNumber(mMinuteText); }
-uint16_t CTimecodeParser::GetSecond() const { return ReadNumber(mSecondText); }
-uint16_t CTimecodeParser::GetFrame() const { return ReadNumber(mFrameText); }
+uint16_t CTimecodeParser::GetHour() const {
+    return ReadNumber(mHourText);
+}
+uint16_t CTimecodeParser::GetMinute() const {
+    return ReadNumber(mMinuteText);
+}
+uint16_t CTimecodeParser::GetSecond() const {
+    return ReadNumber(mSecondText);
+}
+uint16_t CTimecodeParser::GetFrame() const {
+    return ReadNumber(mFrameText);
+}
 
-void CTimecodeParser::SetHour(uint16_t hour) { mHourText = TwoDigits(hour); }
-void CTimecodeParser::SetMinute(uint16_t minute) { mMinuteText = TwoDigits(minute); }
-void CTimecodeParser::SetSecond(uint16_t second) { mSecondText = TwoDigits(second); }
-void CTimecodeParser::SetFrame(uint16_t frame) { mFrameText = TwoDigits(frame); }
+void CTimecodeParser::SetHour(uint16_t hour) {
+    mHourText = TwoDigits(hour);
+}
+void CTimecodeParser::SetMinute(uint16_t minute) {
+    mMinuteText = TwoDigits(minute);
+}
+void CTimecodeParser::SetSecond(uint16_t second) {
+    mSecondText = TwoDigits(second);
+}
+void CTimecodeParser::SetFrame(uint16_t frame) {
+    mFrameText = TwoDigits(frame);
+}
 
 void CTimecodeParser::SetTime(const CTimecode& timecode) {
     SetHour(timecode.GetHour());

@@ -24,7 +24,7 @@
 namespace basicutils {
 
 class BASICUTILS_EXPORT CTimecodeParser {
-public:
+  public:
     CTimecodeParser();
     CTimecodeParser(const CTimecodeParser& other);
     CTimecodeParser& operator=(const CTimecodeParser& other);
@@ -52,7 +52,7 @@ public:
     virtual MString GetRawString() const;
     virtual CTimecode GetTime() const;
 
-protected:
+  protected:
     MString mHourText;
     MString mMinuteText;
     MString mSecondText;

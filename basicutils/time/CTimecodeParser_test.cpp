@@ -1,7 +1,5 @@
-#include <basicutils/time/CTimecodeParser.h>
-
 #include <basicutils/text/MString.h>
-
+#include <basicutils/time/CTimecodeParser.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,7 +7,9 @@
 namespace basicutils {
 namespace {
 
-std::u16string U(const MString& s) { return std::u16string(static_cast<const char16_t*>(s)); }
+std::u16string U(const MString& s) {
+    return std::u16string(static_cast<const char16_t*>(s));
+}
 
 std::string Fields(const CTimecode& t) {
     char buf[48];
@@ -92,7 +92,8 @@ TEST(CTimecodeParser, KeepFrameTypeDecidesTheRate) {
         CTimecodeParser back;
         back.Parse(p.GetString(), false);
         EXPECT_EQ(back.GetTime().GetFrameRate(), rate == 24.0 ? 30.0 : rate);
-        EXPECT_EQ(back.GetTime().GetTotalFrame(), CTimecode(1, 2, 3, 4, rate == 24.0 ? 30.0 : rate).GetTotalFrame());
+        EXPECT_EQ(back.GetTime().GetTotalFrame(),
+                  CTimecode(1, 2, 3, 4, rate == 24.0 ? 30.0 : rate).GetTotalFrame());
     }
 }
 
@@ -121,11 +122,11 @@ TEST(CTimecodeText, SetTimeFillsFromTheLeft) {
         const char16_t* text;
         const char* fields;
     } cases[] = {
-        {u"1:2", "1:2:0:0@30"},           {u"1::3", "1:3:0:0@30"},
-        {u"1;2;3;4", "1:2:3:4@30"},       {u"-5", "65531:0:0:0@30"},
-        {u"0:-5", "0:59:0:0@30"},         {u"::1:2:3:4:5", "1:2:3:4@30"},
-        {u"x", "0:0:0:0@30"},             {u"", "0:0:0:0@30"},
-        {u"1:2:3:45", "1:2:3:29@30"},     {u"0:0:0:0:0:0:0:0:0:0:0:0:0:0:0:1:2", "0:0:0:0@30"},
+        {u"1:2", "1:2:0:0@30"},       {u"1::3", "1:3:0:0@30"},
+        {u"1;2;3;4", "1:2:3:4@30"},   {u"-5", "65531:0:0:0@30"},
+        {u"0:-5", "0:59:0:0@30"},     {u"::1:2:3:4:5", "1:2:3:4@30"},
+        {u"x", "0:0:0:0@30"},         {u"", "0:0:0:0@30"},
+        {u"1:2:3:45", "1:2:3:29@30"}, {u"0:0:0:0:0:0:0:0:0:0:0:0:0:0:0:1:2", "0:0:0:0@30"},
     };
     for (auto& c : cases) {
         CTimecode t(9, 9, 9, 9, 30.0);
@@ -144,8 +145,11 @@ TEST(CTimecodeText, SetTimeWithTypeChoosesTheRate) {
     struct {
         frame_type_t type;
         double rate;
-    } cases[] = {{kFrameType24, 24.0}, {kFrameType25, 25.0}, {kFrameType30, 30.0},
-                 {kFrameTypeKeep, 29.97}, {kFrameTypeUnused, 29.97}};
+    } cases[] = {{kFrameType24, 24.0},
+                 {kFrameType25, 25.0},
+                 {kFrameType30, 30.0},
+                 {kFrameTypeKeep, 29.97},
+                 {kFrameTypeUnused, 29.97}};
     for (auto& c : cases) {
         CTimecode t(0, 0, 0, 0, 29.97);
         t.SetTimeWithType(u"1:2:3:4", c.type);

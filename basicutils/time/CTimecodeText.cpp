@@ -1,9 +1,8 @@
 // The text operations of CTimecode: the written form out, and a reader that
 // fills the fields from the left.
-#include <basicutils/time/CTimecode.h>
-
 #include <basicutils/text/MString.h>
 #include <basicutils/text/WideString.h>
+#include <basicutils/time/CTimecode.h>
 #include <basicutils/time/CTimecodeParser.h>
 
 namespace basicutils {
@@ -66,10 +65,18 @@ bool CTimecode::SetTime(const char16_t* text, double rate) {
 bool CTimecode::SetTimeWithType(const char16_t* text, frame_type_t type) {
     double rate;
     switch (type) {
-        case kFrameType24: rate = 24.0; break;
-        case kFrameType25: rate = 25.0; break;
-        case kFrameType30: rate = 30.0; break;
-        default: rate = GetFrameRate(); break;
+        case kFrameType24:
+            rate = 24.0;
+            break;
+        case kFrameType25:
+            rate = 25.0;
+            break;
+        case kFrameType30:
+            rate = 30.0;
+            break;
+        default:
+            rate = GetFrameRate();
+            break;
     }
     Fields f = ReadFields(text);
     return SetTime(f.value[0], f.value[1], f.value[2], f.value[3], rate);

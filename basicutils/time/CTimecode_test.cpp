@@ -1,11 +1,10 @@
 // CTimecode: validation and notification of every setter, frame counting,
 // the arithmetic's bounds, the packed and millisecond forms, and stepping.
 #include <basicutils/time/CTimecode.h>
+#include <gtest/gtest.h>
 
 #include <cmath>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "TimeTest_test.h"
 
@@ -59,7 +58,7 @@ TEST(CTimecode, FrameRateIsClampedAndGivesTheFrameType) {
     EXPECT_TRUE(zero.IsZero());
     const struct {
         double input, stored;
-    } cases[] = {{10.0, 24.0}, {2000.0, 1200.0}, {24.0, 24.0},   {29.97, 29.97},
+    } cases[] = {{10.0, 24.0}, {2000.0, 1200.0},     {24.0, 24.0},    {29.97, 29.97},
                  {-1.0, 24.0}, {std::nan(""), 24.0}, {1200.0, 1200.0}};
     for (const auto& c : cases) {
         CTimecode tc;
@@ -76,8 +75,11 @@ TEST(CTimecode, FrameRateIsClampedAndGivesTheFrameType) {
     const struct {
         frame_type_t set;
         double rate;
-    } sets[] = {{kFrameType24, 24.0}, {kFrameType25, 25.0}, {kFrameTypeUnused, 30.0},
-                {kFrameType30, 30.0}, {kFrameTypeKeep, 30.0}};
+    } sets[] = {{kFrameType24, 24.0},
+                {kFrameType25, 25.0},
+                {kFrameTypeUnused, 30.0},
+                {kFrameType30, 30.0},
+                {kFrameTypeKeep, 30.0}};
     for (const auto& s : sets) {
         CTimecode typed(0, 0, 0, 0, 1000.0);
         typed.SetFrameType(s.set);
@@ -86,7 +88,7 @@ TEST(CTimecode, FrameRateIsClampedAndGivesTheFrameType) {
     const struct {
         double rate;
         frame_type_t type;
-    } gets[] = {{24.0, kFrameType24}, {25.0, kFrameType25}, {30.0, kFrameType30},
+    } gets[] = {{24.0, kFrameType24},  {25.0, kFrameType25}, {30.0, kFrameType30},
                 {29.97, kFrameType30}, {24.5, kFrameType30}, {1200.0, kFrameType30}};
     for (const auto& g : gets) EXPECT_EQ(CTimecode(0, 0, 0, 0, g.rate).GetFrameType(), g.type);
 }
@@ -119,8 +121,12 @@ TEST(CTimecode, TotalFrameIsOneBasedAndSetTotalFrameInvertsIt) {
         CTimecode tc;
         int32_t count;
     } counts[] = {
-        {T(0, 0, 0, 0), 1},         {T(0, 0, 1, 0), 31},         {T(0, 0, 1, 0, 25.0), 26},
-        {T(1, 0, 0, 0), 108001},    {T(0, 0, 1, 0, 29.97), 30},  {T(23, 59, 59, 29), 2592000},
+        {T(0, 0, 0, 0), 1},
+        {T(0, 0, 1, 0), 31},
+        {T(0, 0, 1, 0, 25.0), 26},
+        {T(1, 0, 0, 0), 108001},
+        {T(0, 0, 1, 0, 29.97), 30},
+        {T(23, 59, 59, 29), 2592000},
         {T(0, 1, 0, 0, 24.0), 1441},
         // 65535 hours at 30 frames is beyond 32 bits: the low 32 bits are kept.
         {T(65535, 59, 59, 29), static_cast<int32_t>(static_cast<uint32_t>(7077888000LL))},
@@ -131,9 +137,12 @@ TEST(CTimecode, TotalFrameIsOneBasedAndSetTotalFrameInvertsIt) {
         frame_type_t type;
         const char* want;
     } cases[] = {
-        {1, kFrameType30, "00:00:00:00@30"},       {0, kFrameType30, "00:00:00:00@30"},
-        {-5, kFrameType30, "00:00:00:00@30"},      {31, kFrameType30, "00:00:01:00@30"},
-        {26, kFrameType25, "00:00:01:00@25"},      {108001, kFrameType30, "01:00:00:00@30"},
+        {1, kFrameType30, "00:00:00:00@30"},
+        {0, kFrameType30, "00:00:00:00@30"},
+        {-5, kFrameType30, "00:00:00:00@30"},
+        {31, kFrameType30, "00:00:01:00@30"},
+        {26, kFrameType25, "00:00:01:00@25"},
+        {108001, kFrameType30, "01:00:00:00@30"},
         {2592001, kFrameType30, "24:00:00:00@30"},
         // 16-bit total minutes: 65536 minutes start again from hour 0.
         {65536 * 60 * 30 + 1, kFrameType30, "00:00:00:00@30"},
@@ -237,8 +246,11 @@ TEST(CTimecode, PackedMillisecondAndSecondForms) {
     const struct {
         CTimecode tc;
         uint32_t ms;
-    } cases[] = {{CTimecode(), 0},        {T(0, 0, 1, 0, 25.0), 1000}, {T(0, 0, 0, 1, 25.0), 40},
-                 {T(1, 0, 0, 0), 3600000}, {T(0, 0, 0, 1), 33}};
+    } cases[] = {{CTimecode(), 0},
+                 {T(0, 0, 1, 0, 25.0), 1000},
+                 {T(0, 0, 0, 1, 25.0), 40},
+                 {T(1, 0, 0, 0), 3600000},
+                 {T(0, 0, 0, 1), 33}};
     for (const auto& c : cases) EXPECT_EQ(static_cast<uint32_t>(c.tc), c.ms) << S(c.tc);
     EXPECT_DOUBLE_EQ(CTimecode().GetTotalSecond(), 1.0 / 30.0);
     EXPECT_DOUBLE_EQ(T(0, 1, 0, 0).GetTotalMinute(), 1801.0 / 30.0 / 60.0);

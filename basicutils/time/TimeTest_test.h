@@ -23,7 +23,9 @@ inline std::string S(const CTimecode& t) {
                   t.GetSecond(), t.GetFrame(), t.GetFrameRate());
     return buf;
 }
-inline std::string S(const CTimecode* t) { return t ? S(*t) : "null"; }
+inline std::string S(const CTimecode* t) {
+    return t ? S(*t) : "null";
+}
 
 // Records every message it hears, tagged with '*' when it comes from another
 // notifier than the watched one.

@@ -1,7 +1,6 @@
 // COperation and the linear history.
-#include <basicutils/undo/COperation.h>
-
 #include <basicutils/tasks/StGlobalLock.h>
+#include <basicutils/undo/COperation.h>
 
 namespace basicutils {
 
@@ -16,12 +15,22 @@ bool COperation::Execute() {
     return true;
 }
 
-bool COperation::Redo() { return ExecuteSelf(); }
-bool COperation::ExecuteSelf() { return false; }
-bool COperation::Undo() { return UndoSelf(); }
-bool COperation::UndoSelf() { return false; }
+bool COperation::Redo() {
+    return ExecuteSelf();
+}
+bool COperation::ExecuteSelf() {
+    return false;
+}
+bool COperation::Undo() {
+    return UndoSelf();
+}
+bool COperation::UndoSelf() {
+    return false;
+}
 
-COperationList::COperationList() : mCurrent(0), mCount(0) { sOperationList = this; }
+COperationList::COperationList() : mCurrent(0), mCount(0) {
+    sOperationList = this;
+}
 
 COperationList::~COperationList() {
     removeOperationList();
@@ -29,7 +38,9 @@ COperationList::~COperationList() {
     sOperationList.compare_exchange_strong(self, nullptr);
 }
 
-COperationList* COperationList::GetOperationList() { return sOperationList; }
+COperationList* COperationList::GetOperationList() {
+    return sOperationList;
+}
 
 void COperationList::AddOperation(COperation* operation) {
     if (COperationList* list = sOperationList)
@@ -64,8 +75,12 @@ void COperationList::addOperation(COperation* operation) {
     mCurrent = mCount.load();
 }
 
-bool COperationList::canUndo() const { return mCurrent > 0; }
-bool COperationList::canRedo() const { return mCurrent < mCount; }
+bool COperationList::canUndo() const {
+    return mCurrent > 0;
+}
+bool COperationList::canRedo() const {
+    return mCurrent < mCount;
+}
 
 void COperationList::undo() {
     StSingleLock lock(&mCriticalSection);
@@ -93,7 +108,8 @@ void COperationList::removeAfterCurrent() {
         COperation* operation = nullptr;
         if (mOperations.FetchItemAt(i, &operation)) delete operation;
     }
-    if (last > current) mOperations.RemoveItemsAt(static_cast<uint32_t>(last - current), current + 1);
+    if (last > current)
+        mOperations.RemoveItemsAt(static_cast<uint32_t>(last - current), current + 1);
     mCount = mOperations.GetCount();
 }
 

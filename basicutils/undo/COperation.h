@@ -15,17 +15,17 @@
 // canRedo read without the lock.
 #pragma once
 
-#include <atomic>
-#include <cstdint>
-
 #include <basicutils/Export.h>
 #include <basicutils/containers/LList.h>
 #include <basicutils/platform/Sync.h>
 
+#include <atomic>
+#include <cstdint>
+
 namespace basicutils {
 
 class BASICUTILS_EXPORT COperation {
-public:
+  public:
     COperation() = default;
     virtual ~COperation() = default;
     // ExecuteSelf; files the operation when it succeeded, else deletes it.
@@ -37,7 +37,7 @@ public:
 };
 
 class BASICUTILS_EXPORT COperationList {
-public:
+  public:
     // Becomes the history (sOperationList).
     COperationList();
     // Deletes every operation; afterwards there is no history.
@@ -62,7 +62,7 @@ public:
 
     static std::atomic<COperationList*> sOperationList;
 
-protected:
+  protected:
     CCriticalSection mCriticalSection;
     LList mOperations;
     std::atomic<uint32_t> mCurrent;

@@ -1,6 +1,5 @@
 // The linear history: filing, dropping undone operations, moving the position.
 #include <basicutils/undo/COperation.h>
-
 #include <gtest/gtest.h>
 
 #include <string>
@@ -15,7 +14,7 @@ struct Journal {
 };
 
 class Op : public COperation {
-public:
+  public:
     Op(Journal* j, char name, bool succeeds = true) : mJ(j), mName(name), mSucceeds(succeeds) {}
     ~Op() override { mJ->text += std::string("~") + mName; }
     bool ExecuteSelf() override {
@@ -27,7 +26,7 @@ public:
         return mSucceeds;
     }
 
-private:
+  private:
     Journal* mJ;
     char mName;
     bool mSucceeds;
@@ -82,7 +81,7 @@ TEST(COperationList, FailingUndoStillMovesAndDestructionDeletesAll) {
         (new Op(&j, 'A'))->Execute();
         // An operation whose undo fails: fake by a success flag that flips.
         class Flaky : public Op {
-        public:
+          public:
             using Op::Op;
             bool ExecuteSelf() override { return true; }
             bool UndoSelf() override { return false; }

@@ -5,6 +5,8 @@
 // that caller. Every field is checked against the file size before anything
 // is printed, and only the few bytes a field covers are read from the file,
 // so large files cost nothing extra.
+#include <basicutils/BasicUtils.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
@@ -16,8 +18,6 @@
 #include <string>
 #include <vector>
 
-#include <basicutils/BasicUtils.h>
-
 #include "Commands.h"
 
 namespace basicutils_tool {
@@ -26,7 +26,7 @@ namespace {
 
 // A file opened for reads at given offsets.
 class InputFile {
-public:
+  public:
     // Opens path; on failure returns false with a message for the user.
     bool Open(const std::string& path, std::string& error) {
         std::error_code ec;
@@ -37,7 +37,8 @@ public:
         errno = 0;
         mIn.open(path, std::ios::binary);
         if (!mIn) {
-            error = "cannot open '" + path + "': " + (errno ? std::strerror(errno) : "unknown error");
+            error =
+                "cannot open '" + path + "': " + (errno ? std::strerror(errno) : "unknown error");
             return false;
         }
         mIn.seekg(0, std::ios::end);
@@ -54,7 +55,8 @@ public:
     uint64_t Size() const { return mSize; }
 
     // Reads count bytes at offset, which the caller has checked are there.
-    bool ReadAt(uint64_t offset, size_t count, std::vector<unsigned char>& out, std::string& error) {
+    bool ReadAt(uint64_t offset, size_t count, std::vector<unsigned char>& out,
+                std::string& error) {
         out.assign(count, 0);
         if (count == 0) return true;
         mIn.clear();
@@ -67,7 +69,7 @@ public:
         return true;
     }
 
-private:
+  private:
     std::ifstream mIn;
     uint64_t mSize = 0;
     std::string mPath;
@@ -93,7 +95,9 @@ std::string Hex(uint64_t value, int digits) {
 }
 
 // A non-negative decimal number.
-bool ParseCount(const std::string& text, long long& value) { return ParseInt(text, value) && value >= 0; }
+bool ParseCount(const std::string& text, long long& value) {
+    return ParseInt(text, value) && value >= 0;
+}
 
 struct BitField {
     std::string text;
@@ -110,8 +114,7 @@ int RunBits(const Args& args) {
         const std::string& spec = args[i];
         size_t colon = spec.find(':');
         long long position = 0, width = 0;
-        if (colon == std::string::npos)
-            return UsageError("bits: '" + spec + "' is not POS:WIDTH");
+        if (colon == std::string::npos) return UsageError("bits: '" + spec + "' is not POS:WIDTH");
         if (!ParseCount(spec.substr(0, colon), position))
             return UsageError("bits: position in '" + spec + "' is not a bit number");
         if (!ParseCount(spec.substr(colon + 1), width) || width > 32)
@@ -139,8 +142,8 @@ int RunBits(const Args& args) {
             return Failure("bits: " + error);
         basicutils::CAppBits cursor(bytes.data(), static_cast<int>(bytes.size()));
         uint32_t value = static_cast<uint32_t>(cursor.GetBitsAt(offset, f.width));
-        out += std::to_string(f.position) + ":" + std::to_string(f.width) + " " + Decimal(value) + " " +
-               Hex(value, f.width == 0 ? 1 : (f.width + 3) / 4) + "\n";
+        out += std::to_string(f.position) + ":" + std::to_string(f.width) + " " + Decimal(value) +
+               " " + Hex(value, f.width == 0 ? 1 : (f.width + 3) / 4) + "\n";
     }
     std::fputs(out.c_str(), stdout);
     return 0;
@@ -156,7 +159,7 @@ struct NumberForm {
 };
 
 const NumberForm kForms[] = {
-    {"--mb16", 2, true}, {"--mb32", 4, true}, {"--mb64", 8, true},
+    {"--mb16", 2, true},  {"--mb32", 4, true},  {"--mb64", 8, true},
     {"--lb16", 2, false}, {"--lb32", 4, false}, {"--lb64", 8, false},
 };
 
@@ -166,8 +169,10 @@ uint64_t ReadNumber(const NumberForm& form, std::vector<unsigned char>& b) {
     char* c = reinterpret_cast<char*>(p);
     auto u32 = [](int v) { return static_cast<uint64_t>(static_cast<uint32_t>(v)); };
     switch (form.size) {
-        case 2: return static_cast<uint64_t>(form.mostSignificantFirst ? GetMB16(p) : GetLB16(p));
-        case 4: return u32(form.mostSignificantFirst ? GetMB32(p) : GetLB32(c));
+        case 2:
+            return static_cast<uint64_t>(form.mostSignificantFirst ? GetMB16(p) : GetLB16(p));
+        case 4:
+            return u32(form.mostSignificantFirst ? GetMB32(p) : GetLB32(c));
         default:
             return form.mostSignificantFirst ? (u32(GetMB32(p)) << 32) | u32(GetMB32(p + 4))
                                              : (u32(GetLB32(c + 4)) << 32) | u32(GetLB32(c));
@@ -209,7 +214,8 @@ int RunBytes(const Args& args) {
             if (i + 1 >= args.size()) return UsageError("bytes: " + a + " needs a number");
             long long& target = a == "--at" ? at : count;
             if (!ParseCount(args[++i], target))
-                return UsageError("bytes: " + a + " takes a number of bytes, not '" + args[i] + "'");
+                return UsageError("bytes: " + a + " takes a number of bytes, not '" + args[i] +
+                                  "'");
             if (a == "--count") {
                 if (form) return UsageError("bytes: give one of --count and the number forms");
                 dump = true;
@@ -233,7 +239,8 @@ int RunBytes(const Args& args) {
         want = std::min(want, file.Size() - static_cast<uint64_t>(at));
     if (static_cast<uint64_t>(at) > file.Size() || want > file.Size() - static_cast<uint64_t>(at))
         return Failure("bytes: " + std::to_string(want) + " bytes at " + std::to_string(at) +
-                       " run beyond the end of '" + args[0] + "' (" + std::to_string(file.Size()) + " bytes)");
+                       " run beyond the end of '" + args[0] + "' (" + std::to_string(file.Size()) +
+                       " bytes)");
     std::vector<unsigned char> bytes;
     if (!file.ReadAt(static_cast<uint64_t>(at), static_cast<size_t>(want), bytes, error))
         return Failure("bytes: " + error);
@@ -243,7 +250,8 @@ int RunBytes(const Args& args) {
         return 0;
     }
     const uint64_t value = ReadNumber(*form, bytes);
-    std::printf("%lld %s %s %s\n", at, form->option + 2, Decimal(value).c_str(), Hex(value, 2 * form->size).c_str());
+    std::printf("%lld %s %s %s\n", at, form->option + 2, Decimal(value).c_str(),
+                Hex(value, 2 * form->size).c_str());
     return 0;
 }
 

@@ -1,12 +1,12 @@
 // Runs the built tool's `bits` and `bytes` commands on files written to a
 // temporary folder, and checks their output, messages and exit status.
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <fstream>
 #include <random>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 #include "RunTool_test.h"
 
@@ -18,21 +18,22 @@ using basicutils_tool_test::RunTool;
 using basicutils_tool_test::ToolRun;
 
 class BitsCommandTest : public testing::Test {
-protected:
+  protected:
     void SetUp() override {
         std::random_device rd;
         mDir = fs::temp_directory_path() / ("bits_tool_test_" + std::to_string(rd()));
         fs::create_directories(mDir);
         // An MPEG-2 sequence header start: start code, then 720 x 480.
-        Write("clip.m2v", {0x00, 0x00, 0x01, 0xB3, 0x2D, 0x01, 0xE0, 0x24, 0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC,
-                           0xDE, 0xF0, 0x41, 0x42, 0x7F, 0x80});
+        Write("clip.m2v", {0x00, 0x00, 0x01, 0xB3, 0x2D, 0x01, 0xE0, 0x24, 0x12, 0x34,
+                           0x56, 0x78, 0x9A, 0xBC, 0xDE, 0xF0, 0x41, 0x42, 0x7F, 0x80});
         Write("empty.bin", {});
     }
     void TearDown() override { fs::remove_all(mDir); }
 
     void Write(const std::string& name, const std::vector<unsigned char>& bytes) {
         std::ofstream(mDir / name, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+            .write(reinterpret_cast<const char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
     }
     std::string PathOf(const std::string& name) const { return (mDir / name).string(); }
 
@@ -42,7 +43,8 @@ protected:
 // Each case runs the tool on clip.m2v (the file goes after the command).
 TEST_F(BitsCommandTest, FieldsAndNumbersPrintDecimalAndHex) {
     const std::pair<std::vector<std::string>, std::string> cases[] = {
-        {{"bits", "0:32", "32:12", "44:12"}, "0:32 435 0x000001b3\n32:12 720 0x2d0\n44:12 480 0x1e0\n"},
+        {{"bits", "0:32", "32:12", "44:12"},
+         "0:32 435 0x000001b3\n32:12 720 0x2d0\n44:12 480 0x1e0\n"},
         {{"bits", "31:1", "30:1"}, "31:1 1 0x1\n30:1 1 0x1\n"},
         // Five bytes from mid-byte; a set top bit stays unsigned.
         {{"bits", "100:32"}, "100:32 2882400004 0xabcdef04\n"},
@@ -53,8 +55,10 @@ TEST_F(BitsCommandTest, FieldsAndNumbersPrintDecimalAndHex) {
         {{"bytes", "--lb32", "--at", "0"}, "0 lb32 3003187200 0xb3010000\n"},
         {{"bytes", "--at", "8", "--mb64"}, "8 mb64 1311768467463790320 0x123456789abcdef0\n"},
         {{"bytes", "--at", "8", "--lb64"}, "8 lb64 17356517385562371090 0xf0debc9a78563412\n"},
-        {{"bytes", "--at", "16", "--count", "4"}, "00000010  41 42 7f 80                                       |AB..|\n"},
-        {{"bytes", "--at", "18"}, "00000012  7f 80                                             |..|\n"},
+        {{"bytes", "--at", "16", "--count", "4"},
+         "00000010  41 42 7f 80                                       |AB..|\n"},
+        {{"bytes", "--at", "18"},
+         "00000012  7f 80                                             |..|\n"},
         {{"bytes", "--at", "20"}, ""},
         {{"bytes", "--at", "1", "--count", "18"},
          "00000001  00 01 b3 2d 01 e0 24 12  34 56 78 9a bc de f0 41  |...-..$.4Vx....A|\n"

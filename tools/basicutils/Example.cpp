@@ -1,10 +1,10 @@
 // The built-in example: what `basicutils` with no argument shows. It walks
 // through the library's spine: timecodes that notify, arrays whose iterators
 // survive edits, the string, and a background task.
+#include <basicutils/BasicUtils.h>
+
 #include <cstdio>
 #include <string>
-
-#include <basicutils/BasicUtils.h>
 
 #include "Commands.h"
 
@@ -101,8 +101,9 @@ int RunExample() {
     ShowTimecodes();
     ShowLists();
     ShowStrings();
-    std::printf("A background task: Execute on a worker thread, progress through\n"
-                "CThreadStatus, the end carried back to this (the main) thread's queue\n");
+    std::printf(
+        "A background task: Execute on a worker thread, progress through\n"
+        "CThreadStatus, the end carried back to this (the main) thread's queue\n");
     std::fflush(stdout);
     return RunTaskExample();
 }

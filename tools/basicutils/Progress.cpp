@@ -10,15 +10,17 @@ using namespace basicutils;
 std::string ToUtf8(const char16_t* text) {
     MString copy(text);
     std::vector<char> buffer(static_cast<size_t>(copy.GetLength()) * 3 + 4);
-    int n = copy.ExportASCII(buffer.data(), static_cast<int>(buffer.size()) - 1,
-                             kCharacterSetWindows);
+    int n =
+        copy.ExportASCII(buffer.data(), static_cast<int>(buffer.size()) - 1, kCharacterSetWindows);
     return std::string(buffer.data(), n > 0 ? static_cast<size_t>(n) : 0);
 }
 
 ProgressDisplay::ProgressDisplay(std::FILE* out, int barWidth)
     : mOut(out), mBarWidth(barWidth), mTerminal(IsTerminal(out)) {}
 
-ProgressDisplay::~ProgressDisplay() { Detach(); }
+ProgressDisplay::~ProgressDisplay() {
+    Detach();
+}
 
 void ProgressDisplay::Attach() {
     CThreadStatus::GetThreadStatus()->AddListener(this);
@@ -108,10 +110,16 @@ void ProgressDisplay::DrawLocked(bool finish) {
     std::fflush(mOut);
 }
 
-ReportPrinter::~ReportPrinter() { Detach(); }
+ReportPrinter::~ReportPrinter() {
+    Detach();
+}
 
-void ReportPrinter::Attach() { CMessageAction::GetMessageAction()->AddListener(this); }
-void ReportPrinter::Detach() { CMessageAction::GetMessageAction()->RemoveListener(this); }
+void ReportPrinter::Attach() {
+    CMessageAction::GetMessageAction()->AddListener(this);
+}
+void ReportPrinter::Detach() {
+    CMessageAction::GetMessageAction()->RemoveListener(this);
+}
 
 bool ReportPrinter::ListenToMessage(int32_t message, void* param) {
     if (message < kMsgMessageActionFirst || message > kMsgMessageActionFirst + 46) return false;

@@ -26,7 +26,7 @@ namespace basicutils_tool {
 std::string ToUtf8(const char16_t* text);
 
 class ProgressDisplay : public basicutils::LListener {
-public:
+  public:
     explicit ProgressDisplay(std::FILE* out, int barWidth = 20);
     ~ProgressDisplay() override;
     void Attach();
@@ -36,7 +36,7 @@ public:
     std::string Line();
     int Redraws();
 
-private:
+  private:
     std::string LineLocked() const;
     void DrawLocked(bool finish);
 
@@ -53,14 +53,14 @@ private:
 };
 
 class ReportPrinter : public basicutils::LListener {
-public:
+  public:
     ReportPrinter(std::FILE* out, std::FILE* err) : mOut(out), mErr(err) {}
     ~ReportPrinter() override;
     void Attach();
     void Detach();
     bool ListenToMessage(int32_t message, void* param) override;
 
-private:
+  private:
     std::mutex mLock;
     std::FILE* mOut;
     std::FILE* mErr;

@@ -31,8 +31,8 @@ inline ToolRun RunToolShell(const std::string& args) {
     namespace fs = std::filesystem;
     static const unsigned process = std::random_device{}();
     static std::atomic<int> counter{0};
-    fs::path dir = fs::temp_directory_path() / ("basicutils_tool_" + std::to_string(process) +
-                                                "_" + std::to_string(counter++));
+    fs::path dir = fs::temp_directory_path() /
+                   ("basicutils_tool_" + std::to_string(process) + "_" + std::to_string(counter++));
     fs::create_directories(dir);
     std::string cmd = std::string("'") + BASICUTILS_TOOL_PATH + "' " + args + " >'" +
                       (dir / "out").string() + "' 2>'" + (dir / "err").string() + "'";

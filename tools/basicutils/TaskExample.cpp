@@ -16,9 +16,8 @@ namespace {
 using namespace basicutils;
 
 class ChecksumTask : public CVelmorantThread {
-public:
-    ChecksumTask(int megabytes, std::atomic<bool>* ended)
-        : mMegabytes(megabytes), mEnded(ended) {
+  public:
+    ChecksumTask(int megabytes, std::atomic<bool>* ended) : mMegabytes(megabytes), mEnded(ended) {
         SetWorkerThread(true);
         mHasProgress = true;
         mDescription = u"Checksum";
@@ -59,7 +58,7 @@ public:
         CMessageAction::Inform(nullptr, text);
     }
 
-private:
+  private:
     int mMegabytes;
     std::atomic<bool>* mEnded;
     uint64_t mSum = 0;
@@ -82,7 +81,9 @@ int RunTaskExample(int megabytes) {
     return 0;
 }
 
-int RunTaskExample() { return RunTaskExample(16); }
+int RunTaskExample() {
+    return RunTaskExample(16);
+}
 
 int RunTask(const Args& args) {
     long long megabytes = 64;

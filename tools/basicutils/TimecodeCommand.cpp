@@ -29,7 +29,8 @@ int RunTimecode(const Args& args) {
     TimecodeOptions o;
     int status = 0;
     if (!ParseTimecodeOptions(args, o, status)) return status;
-    if (o.positional.empty()) return UsageError("timecode: missing action (try 'basicutils help tc')");
+    if (o.positional.empty())
+        return UsageError("timecode: missing action (try 'basicutils help tc')");
     if (RunTimecodeTextAction(o, status)) return status;
     const std::string& action = o.positional[0];
 

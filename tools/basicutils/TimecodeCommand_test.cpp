@@ -1,8 +1,8 @@
 // The timecode subcommand, run as a user runs it: exit status, stdout, and
 // the note the tool prints when the library clamped the input.
-#include <string>
-
 #include <gtest/gtest.h>
+
+#include <string>
 
 #include "RunTool_test.h"
 

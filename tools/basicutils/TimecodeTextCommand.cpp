@@ -12,10 +12,10 @@
 //
 // The options and the reading of operands are shared with the counting
 // actions (TimecodeTool.h).
+#include <basicutils/BasicUtils.h>
+
 #include <cstdio>
 #include <string>
-
-#include <basicutils/BasicUtils.h>
 
 #include "TimecodeTool.h"
 
@@ -121,7 +121,8 @@ int RunTextAction(const TimecodeOptions& o) {
     if (action == "pal") {
         if ((status = need(n >= 1))) return status;
         basicutils::CTimecodeList list;
-        for (size_t i = 1; i < o.positional.size(); ++i) list.Add(ReadTimecode(o.positional[i], 30.0));
+        for (size_t i = 1; i < o.positional.size(); ++i)
+            list.Add(ReadTimecode(o.positional[i], 30.0));
         list.Change2PAL();
         size_t i = 1;
         for (CTimecode* tc = list.GetHead(); tc; tc = list.GetNext())

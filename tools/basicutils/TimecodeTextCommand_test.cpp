@@ -1,9 +1,9 @@
 // The text, drop-frame, duration and PAL actions of the timecode subcommand,
 // run as a user runs them.
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <string>
-
-#include <gtest/gtest.h>
 
 #include "RunTool_test.h"
 

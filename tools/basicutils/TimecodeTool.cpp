@@ -36,7 +36,9 @@ bool ParseTimecodeOptions(const Args& args, TimecodeOptions& o, int& status) {
     return true;
 }
 
-std::u16string Widen(const std::string& s) { return std::u16string(s.begin(), s.end()); }
+std::u16string Widen(const std::string& s) {
+    return std::u16string(s.begin(), s.end());
+}
 
 std::string Narrow(const char16_t* s) {
     std::string out;

@@ -2,9 +2,9 @@
 // and writing a timecode through the library's own text forms.
 #pragma once
 
-#include <string>
-
 #include <basicutils/BasicUtils.h>
+
+#include <string>
 
 #include "Commands.h"
 

@@ -6,14 +6,13 @@
 // byte never yields more than one unit; a unit never more than three bytes),
 // and checked otherwise, which also serves the size query.
 #include <basicutils/platform/CodePage.h>
+#include <basicutils/platform/Errors.h>
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
 #include <utility>
-
-#include <basicutils/platform/Errors.h>
 
 namespace basicutils {
 
@@ -44,8 +43,7 @@ constexpr char16_t kMacRomanHigh[128] = {
 // The same table inverted and sorted by character, for binary search.
 constexpr std::array<std::pair<char16_t, unsigned char>, 128> kMacRomanReverse = [] {
     std::array<std::pair<char16_t, unsigned char>, 128> t{};
-    for (int i = 0; i < 128; ++i)
-        t[i] = {kMacRomanHigh[i], static_cast<unsigned char>(0x80 + i)};
+    for (int i = 0; i < 128; ++i) t[i] = {kMacRomanHigh[i], static_cast<unsigned char>(0x80 + i)};
     std::sort(t.begin(), t.end());
     return t;
 }();
@@ -58,7 +56,9 @@ unsigned char MacRomanByte(char16_t c) {
     return (it != kMacRomanReverse.end() && it->first == c) ? it->second : 0;
 }
 
-bool IsContinuation(unsigned char b) { return (b & 0xC0) == 0x80; }
+bool IsContinuation(unsigned char b) {
+    return (b & 0xC0) == 0x80;
+}
 
 // Index of the first byte, in memory order, whose top bit is set in a word
 // that has one (high holds only top bits).
@@ -215,7 +215,9 @@ Status EncodeUtf8(const char16_t* s, size_t n, char* dst, size_t cap, bool stric
     return Checked && out > cap ? Status::kNoRoom : Status::kOk;
 }
 
-bool IsUtf8Page(uint32_t codePage) { return codePage == CP_ACP || codePage == CP_UTF8; }
+bool IsUtf8Page(uint32_t codePage) {
+    return codePage == CP_ACP || codePage == CP_UTF8;
+}
 
 bool Fail(uint32_t error) {
     SetLastError(error);

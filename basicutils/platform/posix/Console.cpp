@@ -1,11 +1,12 @@
 // Terminal detection.
 #include <basicutils/platform/Console.h>
-
 #include <stdio.h>
 #include <unistd.h>
 
 namespace basicutils {
 
-bool IsTerminal(std::FILE* stream) { return stream && isatty(fileno(stream)) == 1; }
+bool IsTerminal(std::FILE* stream) {
+    return stream && isatty(fileno(stream)) == 1;
+}
 
 }  // namespace basicutils

@@ -134,8 +134,9 @@ constexpr MessageEntry kMessages[] = {
     {ERROR_NO_UNICODE_TRANSLATION,
      "No mapping for the Unicode character exists in the target multi-byte code page."},
     {ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
-    {ERROR_TOO_MANY_LINKS, "An attempt was made to create more links on a file than the file "
-                           "system supports."},
+    {ERROR_TOO_MANY_LINKS,
+     "An attempt was made to create more links on a file than the file "
+     "system supports."},
     {ERROR_NOT_FOUND, "Element not found."},
     {ERROR_TIMEOUT, "This operation returned because the timeout period expired."},
     {ERROR_CANT_RESOLVE_FILENAME, "The name of the file cannot be resolved by the system."},
@@ -149,9 +150,13 @@ const char* FindMessage(uint32_t code) {
 
 }  // namespace
 
-uint32_t GetLastError() { return tLastError; }
+uint32_t GetLastError() {
+    return tLastError;
+}
 
-void SetLastError(uint32_t dwErrCode) { tLastError = dwErrCode; }
+void SetLastError(uint32_t dwErrCode) {
+    tLastError = dwErrCode;
+}
 
 uint32_t ErrnoToWin32Error(int errnum) {
     if (errnum == 0) return ERROR_SUCCESS;

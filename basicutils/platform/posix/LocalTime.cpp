@@ -1,5 +1,4 @@
 #include <basicutils/platform/LocalTime.h>
-
 #include <time.h>
 
 #include <cstring>
@@ -10,7 +9,9 @@ namespace {
 constexpr int kEINVAL = 22;  // the runtime's number, kept whatever errno.h says
 }
 
-void _tzset() { ::tzset(); }
+void _tzset() {
+    ::tzset();
+}
 
 time64_t _time64(time64_t* out) {
     time64_t now = static_cast<time64_t>(::time(nullptr));

@@ -1,10 +1,9 @@
 // Hidden windows, posting and pumping on per-thread queues.
 #include <basicutils/platform/MessageQueue.h>
+#include <basicutils/platform/posix/ThreadState.h>
 
 #include <atomic>
 #include <unordered_map>
-
-#include <basicutils/platform/posix/ThreadState.h>
 
 namespace basicutils {
 namespace detail {
@@ -56,7 +55,9 @@ BOOL PostThreadMessageW(DWORD threadId, UINT message, WPARAM wParam, LPARAM lPar
     return state->Post(MSG{nullptr, message, wParam, lParam, detail::TickCount()}) ? 1 : 0;
 }
 
-void PostQuitMessage(int exitCode) { detail::CurrentThreadState()->PostQuit(exitCode); }
+void PostQuitMessage(int exitCode) {
+    detail::CurrentThreadState()->PostQuit(exitCode);
+}
 
 BOOL GetMessageW(MSG* message, HWND window, UINT filterMin, UINT filterMax) {
     if (!message || window || filterMin || filterMax) return -1;
@@ -79,8 +80,7 @@ LRESULT DispatchMessageW(const MSG* message) {
         detail::WindowRegistry& r = detail::Windows();
         std::lock_guard<std::mutex> g(r.lock);
         auto it = r.windows.find(message->hwnd);
-        if (it == r.windows.end() || it->second.owner != detail::CurrentThreadState())
-            return 0;
+        if (it == r.windows.end() || it->second.owner != detail::CurrentThreadState()) return 0;
         target = it->second.window;
     }
     return target->WindowProc(message->message, message->wParam, message->lParam);
@@ -102,7 +102,9 @@ int PumpMessages(DWORD waitMilliseconds) {
     return handled;
 }
 
-int GetMessageQueueFd() { return detail::CurrentThreadState()->Fd(); }
+int GetMessageQueueFd() {
+    return detail::CurrentThreadState()->Fd();
+}
 
 IMPLEMENT_DYNAMIC(CWnd, CObject)
 IMPLEMENT_DYNAMIC(CFrameWnd, CWnd)
@@ -149,7 +151,9 @@ BOOL CWnd::PostMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     return PostMessageW(m_hWnd, message, wParam, lParam);
 }
 
-LRESULT CWnd::WindowProc(UINT, WPARAM, LPARAM) { return 0; }
+LRESULT CWnd::WindowProc(UINT, WPARAM, LPARAM) {
+    return 0;
+}
 
 BOOL CFrameWnd::Create(const char16_t*, const char16_t* title, DWORD style, const RECT&, CWnd*,
                        const char16_t*, DWORD exStyle, void*) {

@@ -1,6 +1,5 @@
 // Run-time class descriptors and demangled type names.
 #include <basicutils/platform/RuntimeClass.h>
-
 #include <cxxabi.h>
 
 #include <cstdlib>
@@ -12,7 +11,9 @@ namespace basicutils {
 const CRuntimeClass CObject::classCObject = {"CObject", static_cast<int32_t>(sizeof(CObject)),
                                              nullptr, nullptr};
 
-const CRuntimeClass* CObject::GetRuntimeClass() const { return &classCObject; }
+const CRuntimeClass* CObject::GetRuntimeClass() const {
+    return &classCObject;
+}
 
 CObject* CRuntimeClass::CreateObject() const {
     return m_pfnCreateObject ? m_pfnCreateObject() : nullptr;

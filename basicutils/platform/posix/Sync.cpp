@@ -1,11 +1,10 @@
 // Kernel objects, events, waits, asynchronous procedure calls, locks.
 #include <basicutils/platform/Sync.h>
+#include <basicutils/platform/posix/ThreadState.h>
 
 #include <algorithm>
 #include <chrono>
 #include <unordered_set>
-
-#include <basicutils/platform/posix/ThreadState.h>
 
 namespace basicutils {
 namespace detail {
@@ -22,7 +21,7 @@ HandleRegistry& Handles() {
 }
 
 class Event final : public KernelObject {
-public:
+  public:
     Event(bool manual, bool initial) : mManual(manual), mSignaled(initial) {}
     bool TryAcquire() override {
         std::lock_guard<std::mutex> g(mLock);
@@ -42,7 +41,7 @@ public:
         mSignaled = false;
     }
 
-private:
+  private:
     std::mutex mLock;
     const bool mManual;
     bool mSignaled;
@@ -52,8 +51,8 @@ private:
 DWORD Wait(KernelObject* object, DWORD milliseconds, bool alertable) {
     auto self = CurrentThreadState();
     const bool infinite = milliseconds == INFINITE;
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(
-                                                                  infinite ? 0 : milliseconds);
+    const auto deadline =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(infinite ? 0 : milliseconds);
     if (object) object->AddWaiter(self.get());
     DWORD result = WAIT_TIMEOUT;
     for (;;) {
@@ -80,7 +79,9 @@ DWORD Wait(KernelObject* object, DWORD milliseconds, bool alertable) {
 KernelObject::KernelObject() : mRefs(1) {}
 KernelObject::~KernelObject() = default;
 
-void KernelObject::AddRef() { mRefs.fetch_add(1, std::memory_order_relaxed); }
+void KernelObject::AddRef() {
+    mRefs.fetch_add(1, std::memory_order_relaxed);
+}
 
 void KernelObject::Release() {
     if (mRefs.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;

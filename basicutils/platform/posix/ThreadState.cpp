@@ -1,6 +1,5 @@
 // Per-thread state: registry, message queue, call queue and wake-ups.
 #include <basicutils/platform/posix/ThreadState.h>
-
 #include <sys/eventfd.h>
 #include <unistd.h>
 
@@ -200,7 +199,9 @@ std::shared_ptr<ThreadState> NewThreadState() {
     return state;
 }
 
-void AdoptThreadState(std::shared_ptr<ThreadState> state) { tHolder.state = std::move(state); }
+void AdoptThreadState(std::shared_ptr<ThreadState> state) {
+    tHolder.state = std::move(state);
+}
 
 std::shared_ptr<ThreadState> CurrentThreadState() {
     if (!tHolder.state) tHolder.state = NewThreadState();

@@ -3,6 +3,9 @@
 // every wait. Internal to the POSIX implementation.
 #pragma once
 
+#include <basicutils/platform/MessageQueue.h>
+#include <basicutils/platform/Sync.h>
+
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -12,13 +15,10 @@
 #include <utility>
 #include <vector>
 
-#include <basicutils/platform/MessageQueue.h>
-#include <basicutils/platform/Sync.h>
-
 namespace basicutils::detail {
 
 class ThreadState {
-public:
+  public:
     explicit ThreadState(DWORD id) : mId(id) {}
     ~ThreadState();
 
@@ -47,11 +47,10 @@ public:
     // The wake counter of Wake(), for waits that check other conditions.
     uint64_t WakeCount();
     // Waits until the wake counter differs from `seen` or the deadline passes.
-    bool WaitForWake(uint64_t seen, bool infinite,
-                     std::chrono::steady_clock::time_point deadline);
+    bool WaitForWake(uint64_t seen, bool infinite, std::chrono::steady_clock::time_point deadline);
     bool HasApcs();
 
-private:
+  private:
     void SyncFdLocked();
 
     const DWORD mId;

@@ -5,8 +5,9 @@
 // suspend count is back to 0 and kResumeSignal arrives. kResumeSignal is
 // blocked inside the handler except during sigsuspend, so a resumption that
 // comes before the handler sleeps is not lost.
+#include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
-
+#include <basicutils/platform/posix/ThreadState.h>
 #include <pthread.h>
 #include <semaphore.h>
 #include <signal.h>
@@ -17,24 +18,25 @@
 #include <condition_variable>
 #include <mutex>
 
-#include <basicutils/platform/Sync.h>
-#include <basicutils/platform/posix/ThreadState.h>
-
 namespace basicutils {
 namespace detail {
 namespace {
 
 class ThreadRecord;
 
-int SuspendSignal() { return SIGRTMIN + 6; }
-int ResumeSignal() { return SIGRTMIN + 7; }
+int SuspendSignal() {
+    return SIGRTMIN + 6;
+}
+int ResumeSignal() {
+    return SIGRTMIN + 7;
+}
 
 thread_local ThreadRecord* tRecord = nullptr;
 std::atomic<int> gFailCreations{0};
 std::atomic<DWORD> gMainThreadId{0};
 
 class ThreadRecord final : public KernelObject {
-public:
+  public:
     ThreadRecord(LPTHREAD_START_ROUTINE routine, void* parameter, bool suspended)
         : mState(NewThreadState()),
           mRoutine(routine),
@@ -77,7 +79,8 @@ public:
         pthread_attr_t attr;
         pthread_attr_init(&attr);
         pthread_attr_setdetachstate(&attr, PTHREAD_CREATE_DETACHED);
-        if (stackSize) pthread_attr_setstacksize(&attr, std::max<size_t>(stackSize, PTHREAD_STACK_MIN));
+        if (stackSize)
+            pthread_attr_setstacksize(&attr, std::max<size_t>(stackSize, PTHREAD_STACK_MIN));
         AddRef();
         int rc = pthread_create(&mNative, &attr, &Entry, this);
         pthread_attr_destroy(&attr);
@@ -140,7 +143,7 @@ public:
         while (mSignalCount.load() > 0) sigsuspend(&mask);
     }
 
-private:
+  private:
     std::shared_ptr<ThreadState> mState;
     LPTHREAD_START_ROUTINE mRoutine;
     void* mParameter;
@@ -181,7 +184,9 @@ void InstallSignalHandlers() {
     });
 }
 
-ThreadRecord* AsThread(KernelObject* object) { return dynamic_cast<ThreadRecord*>(object); }
+ThreadRecord* AsThread(KernelObject* object) {
+    return dynamic_cast<ThreadRecord*>(object);
+}
 
 // The thread that runs the library's static initialisers is the main thread.
 const bool gMainThreadRecorded = [] {
@@ -191,7 +196,9 @@ const bool gMainThreadRecorded = [] {
 
 }  // namespace
 
-void FailThreadCreations(int count) { gFailCreations.store(count); }
+void FailThreadCreations(int count) {
+    gFailCreations.store(count);
+}
 
 }  // namespace detail
 
@@ -227,7 +234,9 @@ DWORD ResumeThread(HANDLE thread) {
     return record ? record->Resume() : kThreadCallFailed;
 }
 
-DWORD GetCurrentThreadId() { return detail::CurrentThreadState()->Id(); }
+DWORD GetCurrentThreadId() {
+    return detail::CurrentThreadState()->Id();
+}
 
 DWORD GetThreadId(HANDLE thread) {
     ObjectRef ref(KernelObject::Acquire(thread));
@@ -250,9 +259,15 @@ void Sleep(DWORD milliseconds) {
     }
 }
 
-DWORD GetMainThreadId() { return detail::gMainThreadId.load(); }
-void SetMainThreadId(DWORD threadId) { detail::gMainThreadId.store(threadId); }
-bool IsMainThread() { return GetCurrentThreadId() == GetMainThreadId(); }
+DWORD GetMainThreadId() {
+    return detail::gMainThreadId.load();
+}
+void SetMainThreadId(DWORD threadId) {
+    detail::gMainThreadId.store(threadId);
+}
+bool IsMainThread() {
+    return GetCurrentThreadId() == GetMainThreadId();
+}
 
 DWORD QueueUserAPC(PAPCFUNC function, HANDLE thread, ULONG_PTR data) {
     DWORD id = GetThreadId(thread);
