@@ -81,49 +81,42 @@ CTimecode::CTimecode(uint16_t hour, uint16_t minute, uint16_t second, uint16_t f
 
 CTimecode::~CTimecode() = default;
 
-bool CTimecode::SetHour(uint16_t hour) {
-    uint16_t value = ValidateHour(hour);
-    if (GetHour() == value) return false;
-    mHour = value;
-    TrickleDownHourChange();
+// The one protocol of every field setter: the value has been validated; if
+// the getter already answers it nothing happens, else it is stored, the
+// field's hook runs and the change is announced.
+template <class T>
+bool CTimecode::StoreIfChanged(T& field, T value, T current, void (CTimecode::*hook)()) {
+    if (current == value) return false;
+    field = value;
+    (this->*hook)();
     Notify(kNotifyTimecodeChanged, 0, 0);
     return true;
+}
+
+bool CTimecode::SetHour(uint16_t hour) {
+    uint16_t value = ValidateHour(hour);
+    return StoreIfChanged(mHour, value, GetHour(), &CTimecode::TrickleDownHourChange);
 }
 
 bool CTimecode::SetMinute(uint16_t minute) {
     uint16_t value = ValidateMinute(minute);
-    if (GetMinute() == value) return false;
-    mMinute = value;
-    TrickleDownMinuteChange();
-    Notify(kNotifyTimecodeChanged, 0, 0);
-    return true;
+    return StoreIfChanged(mMinute, value, GetMinute(), &CTimecode::TrickleDownMinuteChange);
 }
 
 bool CTimecode::SetSecond(uint16_t second) {
     uint16_t value = ValidateSecond(second);
-    if (GetSecond() == value) return false;
-    mSecond = value;
-    TrickleDownSecondChange();
-    Notify(kNotifyTimecodeChanged, 0, 0);
-    return true;
+    return StoreIfChanged(mSecond, value, GetSecond(), &CTimecode::TrickleDownSecondChange);
 }
 
 bool CTimecode::SetFrame(uint16_t frame) {
     uint16_t value = ValidateFrame(frame);
-    if (GetFrame() == value) return false;
-    mFrame = value;
-    TrickleDownFrameChange();
-    Notify(kNotifyTimecodeChanged, 0, 0);
-    return true;
+    return StoreIfChanged(mFrame, value, GetFrame(), &CTimecode::TrickleDownFrameChange);
 }
 
 bool CTimecode::SetFrameRate(double rate) {
     double value = ValidateFrameRate(rate);
-    if (GetFrameRate() == value) return false;
-    mFrameRate = value;
-    TrickleDownFrameRateChange();
-    Notify(kNotifyTimecodeChanged, 0, 0);
-    return true;
+    return StoreIfChanged(mFrameRate, value, GetFrameRate(),
+                          &CTimecode::TrickleDownFrameRateChange);
 }
 
 uint16_t CTimecode::ValidateHour(uint16_t hour) {

@@ -153,6 +153,10 @@ class BASICUTILS_EXPORT CTimecode : public LNotifier {
     // Copies the five fields and notifies once if the two differ.
     CTimecode& operator=(const CTimecode& other);
 
+  private:
+    template <class T>
+    bool StoreIfChanged(T& field, T value, T current, void (CTimecode::*hook)());
+
   protected:
     double mFrameRate;
     uint16_t mHour;
