@@ -50,7 +50,7 @@ TEST(UMemUtilsMemcpy, MatchesMemmoveForEverySmallSizeAlignmentAndOverlap) {
     }
 }
 
-TEST(UMemUtilsMemcpy, LargeBlocksIncludingStreamingPathMatchMemmove) {
+TEST(UMemUtilsMemcpy, LargeBlocksMatchMemmove) {
     const size_t mib = size_t{1} << 20;
     const struct {
         size_t size;
