@@ -2,7 +2,7 @@
 # Installs what BasicUtils needs to build, test, benchmark and fuzz on Debian 12.
 # Does nothing when everything is already there; needs root (or sudo) otherwise.
 set -euo pipefail
-packages=(cmake ninja-build g++ clang libclang-rt-14-dev lld pkg-config
+packages=(cmake ninja-build g++ clang libclang-rt-14-dev pkg-config
           libgtest-dev libgmock-dev libbenchmark-dev liburing-dev)
 missing=()
 for p in "${packages[@]}"; do
