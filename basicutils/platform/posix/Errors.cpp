@@ -20,19 +20,21 @@ struct ErrnoEntry {
 };
 
 // errno on the left, the number a Windows caller would have seen for the same
-// cause on the right.
+// cause on the right. EINTR has no row: every call of the layer retries it, so
+// it never reaches a caller. EAGAIN is a resource that is short for now, never
+// a transfer under way (ERROR_IO_PENDING would send a caller to wait for a
+// completion that never comes).
 constexpr ErrnoEntry kErrnoTable[] = {
     {EPERM, ERROR_ACCESS_DENIED},
     {ENOENT, ERROR_FILE_NOT_FOUND},
     {ESRCH, ERROR_NOT_FOUND},
-    {EINTR, ERROR_OPERATION_ABORTED},
     {EIO, ERROR_IO_DEVICE},
     {ENXIO, ERROR_FILE_NOT_FOUND},
     {E2BIG, ERROR_INVALID_PARAMETER},
     {ENOEXEC, ERROR_BAD_EXE_FORMAT},
     {EBADF, ERROR_INVALID_HANDLE},
     {ECHILD, ERROR_NOT_FOUND},
-    {EAGAIN, ERROR_IO_PENDING},
+    {EAGAIN, ERROR_NOT_ENOUGH_QUOTA},
     {ENOMEM, ERROR_NOT_ENOUGH_MEMORY},
     {EACCES, ERROR_ACCESS_DENIED},
     {EFAULT, ERROR_NOACCESS},
@@ -133,6 +135,7 @@ constexpr MessageEntry kMessages[] = {
     {ERROR_INVALID_FLAGS, "Invalid flags."},
     {ERROR_NO_UNICODE_TRANSLATION,
      "No mapping for the Unicode character exists in the target multi-byte code page."},
+    {ERROR_NOT_ENOUGH_QUOTA, "Not enough quota is available to process this command."},
     {ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
     {ERROR_TOO_MANY_LINKS,
      "An attempt was made to create more links on a file than the file "
