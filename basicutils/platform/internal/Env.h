@@ -64,6 +64,8 @@ enum class SysCall : int {
     kDlopen,
     kDlsym,
     kDlclose,
+    kAsyncSubmit,
+    kAsyncComplete,
     kCount  // the number of kinds; keep last
 };
 
@@ -109,6 +111,12 @@ class BASICUTILS_EXPORT Env {
     virtual void* Dlopen(const char* path, int flags) = 0;
     virtual void* Dlsym(void* library, const char* symbol) = 0;
     virtual int Dlclose(void* library) = 0;
+    // Asynchronous transfers (see AsyncIo.h). AsyncSubmit is asked before a
+    // transfer goes to the engine: 0 lets it go, an errno refuses it.
+    // AsyncComplete sees each ending and gives the result the caller gets
+    // (bytes, or -errno); the real Env passes `result` through.
+    virtual int AsyncSubmit(int fd, bool write, size_t count, off_t offset) = 0;
+    virtual int64_t AsyncComplete(int fd, bool write, size_t count, int64_t result) = 0;
 };
 
 // The real calls. Stateless; the one instance lives for the whole process.
@@ -158,6 +166,8 @@ class BASICUTILS_EXPORT EnvWrapper : public Env {
     void* Dlopen(const char* path, int flags) override;
     void* Dlsym(void* library, const char* symbol) override;
     int Dlclose(void* library) override;
+    int AsyncSubmit(int fd, bool write, size_t count, off_t offset) override;
+    int64_t AsyncComplete(int fd, bool write, size_t count, int64_t result) override;
 
   private:
     Env& mTarget;

@@ -67,6 +67,8 @@ class RealEnv final : public Env {
         return address;
     }
     int Dlclose(void* library) override { return ::dlclose(library); }
+    int AsyncSubmit(int, bool, size_t, off_t) override { return 0; }
+    int64_t AsyncComplete(int, bool, size_t, int64_t result) override { return result; }
 };
 
 std::atomic<Env*> gCurrent{nullptr};
@@ -104,7 +106,7 @@ const char* SysCallName(SysCall call) {
         "pwrite",  "lseek",         "fstat",  "stat",    "statvfs", "ftruncate",
         "fsync",   "rename",        "link",   "unlink",  "mkdir",   "rmdir",
         "chdir",   "getcwd",        "chmod",  "opendir", "readdir", "closedir",
-        "eventfd", "thread_create", "dlopen", "dlsym",   "dlclose"};
+        "eventfd", "thread_create", "dlopen", "dlsym",   "dlclose", "async_submit", "async_complete"};
     static_assert(sizeof kNames / sizeof kNames[0] == static_cast<size_t>(SysCall::kCount));
     const auto index = static_cast<size_t>(call);
     return index < static_cast<size_t>(SysCall::kCount) ? kNames[index] : "?";
@@ -196,6 +198,12 @@ void* EnvWrapper::Dlsym(void* library, const char* symbol) {
 }
 int EnvWrapper::Dlclose(void* library) {
     return mTarget.Dlclose(library);
+}
+int EnvWrapper::AsyncSubmit(int fd, bool write, size_t count, off_t offset) {
+    return mTarget.AsyncSubmit(fd, write, count, offset);
+}
+int64_t EnvWrapper::AsyncComplete(int fd, bool write, size_t count, int64_t result) {
+    return mTarget.AsyncComplete(fd, write, count, result);
 }
 
 }  // namespace basicutils::detail

@@ -233,4 +233,16 @@ int FaultEnv::Dlclose(void* library) {
     return Target().Dlclose(library);
 }
 
+int FaultEnv::AsyncSubmit(int fd, bool write, size_t count, off_t offset) {
+    if (const int fault = Check(SysCall::kAsyncSubmit); fault > 0) return fault;
+    return Target().AsyncSubmit(fd, write, count, offset);
+}
+int64_t FaultEnv::AsyncComplete(int fd, bool write, size_t count, int64_t result) {
+    result = Target().AsyncComplete(fd, write, count, result);
+    const int fault = Check(SysCall::kAsyncComplete);
+    if (fault > 0) return -fault;
+    if (fault == kShortTransfer && result > 0) return result / 2;
+    return result;
+}
+
 }  // namespace basicutils::testing

@@ -19,6 +19,10 @@
 // the process before the call is made: crash tests fork a child, kill it at
 // the N-th call and look at what it left on disk.
 //
+// Asynchronous transfers: a failing kAsyncSubmit refuses the transfer with
+// the errno; a failing kAsyncComplete turns its result into -errno, and a
+// short one halves the bytes it reports.
+//
 // By default every thread's calls count. LimitToThisThread makes the rules
 // and counters see only the calling thread, so that a test's background
 // threads (message queues, other tasks) do not shift the numbers.
@@ -88,6 +92,8 @@ class FaultEnv : public detail::EnvWrapper {
     void* Dlopen(const char* path, int flags) override;
     void* Dlsym(void* library, const char* symbol) override;
     int Dlclose(void* library) override;
+    int AsyncSubmit(int fd, bool write, size_t count, off_t offset) override;
+    int64_t AsyncComplete(int fd, bool write, size_t count, int64_t result) override;
 
   private:
     enum class Action { kFail, kShort, kKill };
