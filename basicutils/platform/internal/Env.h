@@ -66,6 +66,8 @@ enum class SysCall : int {
     kDlclose,
     kAsyncSubmit,
     kAsyncComplete,
+    kMmap,
+    kMunmap,
     kCount  // the number of kinds; keep last
 };
 
@@ -117,6 +119,9 @@ class BASICUTILS_EXPORT Env {
     // (bytes, or -errno); the real Env passes `result` through.
     virtual int AsyncSubmit(int fd, bool write, size_t count, off_t offset) = 0;
     virtual int64_t AsyncComplete(int fd, bool write, size_t count, int64_t result) = 0;
+    // Anonymous private mappings only: MAP_FAILED with errno on failure.
+    virtual void* Mmap(size_t length, int protection) = 0;
+    virtual int Munmap(void* address, size_t length) = 0;
 };
 
 // The real calls. Stateless; the one instance lives for the whole process.
@@ -168,6 +173,8 @@ class BASICUTILS_EXPORT EnvWrapper : public Env {
     int Dlclose(void* library) override;
     int AsyncSubmit(int fd, bool write, size_t count, off_t offset) override;
     int64_t AsyncComplete(int fd, bool write, size_t count, int64_t result) override;
+    void* Mmap(size_t length, int protection) override;
+    int Munmap(void* address, size_t length) override;
 
   private:
     Env& mTarget;

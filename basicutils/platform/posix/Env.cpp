@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/eventfd.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -69,6 +70,10 @@ class RealEnv final : public Env {
     int Dlclose(void* library) override { return ::dlclose(library); }
     int AsyncSubmit(int, bool, size_t, off_t) override { return 0; }
     int64_t AsyncComplete(int, bool, size_t, int64_t result) override { return result; }
+    void* Mmap(size_t length, int protection) override {
+        return ::mmap(nullptr, length, protection, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    }
+    int Munmap(void* address, size_t length) override { return ::munmap(address, length); }
 };
 
 std::atomic<Env*> gCurrent{nullptr};
@@ -102,11 +107,11 @@ void SetLastDlError(const char* reason) {
 
 const char* SysCallName(SysCall call) {
     static constexpr const char* kNames[] = {
-        "any",     "open",          "close",  "read",    "write",   "pread",
-        "pwrite",  "lseek",         "fstat",  "stat",    "statvfs", "ftruncate",
-        "fsync",   "rename",        "link",   "unlink",  "mkdir",   "rmdir",
-        "chdir",   "getcwd",        "chmod",  "opendir", "readdir", "closedir",
-        "eventfd", "thread_create", "dlopen", "dlsym",   "dlclose", "async_submit", "async_complete"};
+        "any",     "open",         "close",          "read",    "write",         "pread",  "pwrite",
+        "lseek",   "fstat",        "stat",           "statvfs", "ftruncate",     "fsync",  "rename",
+        "link",    "unlink",       "mkdir",          "rmdir",   "chdir",         "getcwd", "chmod",
+        "opendir", "readdir",      "closedir",       "eventfd", "thread_create", "dlopen", "dlsym",
+        "dlclose", "async_submit", "async_complete", "mmap",    "munmap"};
     static_assert(sizeof kNames / sizeof kNames[0] == static_cast<size_t>(SysCall::kCount));
     const auto index = static_cast<size_t>(call);
     return index < static_cast<size_t>(SysCall::kCount) ? kNames[index] : "?";
@@ -204,6 +209,13 @@ int EnvWrapper::AsyncSubmit(int fd, bool write, size_t count, off_t offset) {
 }
 int64_t EnvWrapper::AsyncComplete(int fd, bool write, size_t count, int64_t result) {
     return mTarget.AsyncComplete(fd, write, count, result);
+}
+
+void* EnvWrapper::Mmap(size_t length, int protection) {
+    return mTarget.Mmap(length, protection);
+}
+int EnvWrapper::Munmap(void* address, size_t length) {
+    return mTarget.Munmap(address, length);
 }
 
 }  // namespace basicutils::detail

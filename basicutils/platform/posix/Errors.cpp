@@ -126,6 +126,7 @@ constexpr MessageEntry kMessages[] = {
     {ERROR_TOO_MANY_POSTS, "Too many posts were made to a semaphore."},
     {ERROR_MR_MID_NOT_FOUND,
      "The system cannot find message text for message number in the message file."},
+    {ERROR_INVALID_ADDRESS, "Attempt to access invalid address."},
     {ERROR_OPERATION_ABORTED,
      "The I/O operation has been aborted because of either a thread exit or an application "
      "request."},

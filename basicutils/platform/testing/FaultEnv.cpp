@@ -1,6 +1,7 @@
 // Fault injection through the operating-system seam.
 #include <basicutils/platform/testing/FaultEnv.h>
 #include <signal.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -243,6 +244,15 @@ int64_t FaultEnv::AsyncComplete(int fd, bool write, size_t count, int64_t result
     if (fault > 0) return -fault;
     if (fault == kShortTransfer && result > 0) return result / 2;
     return result;
+}
+
+void* FaultEnv::Mmap(size_t length, int protection) {
+    if (const int fault = Check(SysCall::kMmap); fault > 0) return FailWith(MAP_FAILED, fault);
+    return Target().Mmap(length, protection);
+}
+int FaultEnv::Munmap(void* address, size_t length) {
+    if (const int fault = Check(SysCall::kMunmap); fault > 0) return FailWith(-1, fault);
+    return Target().Munmap(address, length);
 }
 
 }  // namespace basicutils::testing

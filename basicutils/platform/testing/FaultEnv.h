@@ -94,6 +94,8 @@ class FaultEnv : public detail::EnvWrapper {
     int Dlclose(void* library) override;
     int AsyncSubmit(int fd, bool write, size_t count, off_t offset) override;
     int64_t AsyncComplete(int fd, bool write, size_t count, int64_t result) override;
+    void* Mmap(size_t length, int protection) override;
+    int Munmap(void* address, size_t length) override;
 
   private:
     enum class Action { kFail, kShort, kKill };
