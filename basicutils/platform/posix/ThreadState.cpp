@@ -157,11 +157,6 @@ std::vector<MSG> ThreadState::TakeWindowMessages(HWND window) {
     return taken;
 }
 
-bool ThreadState::HasApcs() {
-    std::lock_guard<std::mutex> g(mLock);
-    return !mApcs.empty();
-}
-
 bool ThreadState::RunApcs() {
     std::deque<std::pair<PAPCFUNC, ULONG_PTR>> calls;
     {
