@@ -64,6 +64,9 @@ enum class SysCall : int {
     kDlopen,
     kDlsym,
     kDlclose,
+    kLstat,
+    kFcntl,
+    kFadvise,
     kCount  // the number of kinds; keep last
 };
 
@@ -109,6 +112,12 @@ class BASICUTILS_EXPORT Env {
     virtual void* Dlopen(const char* path, int flags) = 0;
     virtual void* Dlsym(void* library, const char* symbol) = 0;
     virtual int Dlclose(void* library) = 0;
+    // lstat: the status of a name itself, a symbolic link not followed.
+    virtual int Lstat(const char* path, struct stat* status) = 0;
+    // fcntl with an int argument (F_GETFL, F_SETFL...).
+    virtual int Fcntl(int fd, int command, int argument) = 0;
+    // posix_fadvise: returns 0 or the error number (errno is not used).
+    virtual int Fadvise(int fd, off_t offset, off_t length, int advice) = 0;
 };
 
 // The real calls. Stateless; the one instance lives for the whole process.
@@ -158,6 +167,9 @@ class BASICUTILS_EXPORT EnvWrapper : public Env {
     void* Dlopen(const char* path, int flags) override;
     void* Dlsym(void* library, const char* symbol) override;
     int Dlclose(void* library) override;
+    int Lstat(const char* path, struct stat* status) override;
+    int Fcntl(int fd, int command, int argument) override;
+    int Fadvise(int fd, off_t offset, off_t length, int advice) override;
 
   private:
     Env& mTarget;
