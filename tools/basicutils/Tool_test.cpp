@@ -11,14 +11,13 @@
 #include <sstream>
 #include <string>
 
+#include "RunTool_test.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
-struct ToolRun {
-    int status;
-    std::string out, err;
-};
+using basicutils_tool_test::ToolRun;
 
 // Runs the built tool with shell arguments in a scratch folder holding clip.m2v.
 ToolRun Tool(const std::string& args) {
@@ -30,15 +29,7 @@ ToolRun Tool(const std::string& args) {
             .write("\x00\x00\x01\xB3\x2D\x01\xE0\x24", 8);
         return d;
     }();
-    const std::string cmd =
-        "cd '" + dir.string() + "' && '" BASICUTILS_TOOL_PATH "' " + args + " >out 2>err";
-    const int raw = std::system(cmd.c_str());
-    auto slurp = [&](const char* name) {
-        std::stringstream s;
-        s << std::ifstream(dir / name).rdbuf();
-        return s.str();
-    };
-    return {(raw & 0x7F) == 0 ? (raw >> 8) & 0xFF : -1, slurp("out"), slurp("err")};
+    return basicutils_tool_test::RunToolShell(args, dir);
 }
 
 TEST(Tool, ParsesNotesAndAnswers) {
