@@ -14,10 +14,10 @@
 // and a path without a drive asks the root "\". Paths on this platform have
 // no drive part, so the answer is that of the root file system.
 //
-// DeleteTailCharacter(path, c) is a copy of the path without the run of c at
-// its end (null or empty: the empty text). DeleteTailDirectorySeparator is
-// the same for the backslash. AddDirectorySeparator(path, removeExisting,
-// count) appends count backslashes, after removing the trailing ones when
+// DeleteTailCharacter(path, c) copies the path and drops every c standing at
+// its end (null or empty: the empty text); DeleteTailDirectorySeparator does
+// that with c = '\\'. AddDirectorySeparator(path, removeExisting, count) puts
+// count backslashes behind the path, after removing the trailing ones when
 // removeExisting is true; a null or empty path stays empty.
 //
 // DeleteDirectory(path) deletes a directory and everything in it, one entry

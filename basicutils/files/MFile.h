@@ -1,5 +1,5 @@
-// MFile: the one interface through which the library and its client modules
-// speak to a file, whatever lies beneath it (the working file MFileUniv, the
+// MFile: every file of the library and of its client modules is used
+// through this interface, whatever implements it (the working file MFileUniv, the
 // segmented file, the script reader, MFileWin over the platform's CFile).
 //
 // MFile itself is concrete and answers every operation with failure: -1,

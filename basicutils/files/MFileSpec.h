@@ -1,8 +1,8 @@
 // File specs: the value that names a file everywhere in the library.
 //
 // MFileSpec is the abstract interface; MFileSpecWin holds the path text and
-// is the one concrete spec. Every file object holds one and every file dialog
-// hands one back. The path is kept exactly as given: never normalised, made
+// is the one concrete spec. File objects keep one to know their file, and
+// file dialogs answer with one. The path is kept exactly as given: never normalised, made
 // absolute or checked. The empty path is the null spec. Specs are copied by
 // value, and two specs are equal only when their paths are equal unit by
 // unit (case counts: "A" and "a" name different specs). Code in the library

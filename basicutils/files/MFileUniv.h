@@ -1,7 +1,7 @@
-// MFileUniv: the working file of the library, the file every other file
-// service stands on. Sizes and positions are 64-bit.
+// MFileUniv: the library's working file; the other file services are built
+// on it. Sizes and positions are 64-bit.
 //
-// One object lives in one of two worlds, chosen by the open mode:
+// The open mode puts an object in one of two worlds:
 //
 // - The runtime world (modes 0 to 9): a descriptor from _wopen and a buffered
 //   stream from _wfdopen on it. FRead and FWrite work on the descriptor; the
@@ -9,15 +9,16 @@
 //   position only through the seeks, so a caller that mixes the two kinds
 //   seeks between them.
 //
-//   mode  _wopen flags                          stream  starts at  chmod 0x180
-//   0     _O_RDONLY                    0x0000   "r"     start      no
-//   1     _O_RDONLY|_O_BINARY          0x8000   "r"     start      no
-//   2, 3  _O_RDWR|_O_CREAT|_O_TRUNC|_O_BINARY   "w"     start      yes
-//   4     _O_RDWR|_O_CREAT|_O_TRUNC    0x0302   "w"     start      yes
-//   5, 6  _O_RDWR|_O_CREAT|_O_BINARY   0x8102   "w"     end        yes
-//   7     _O_RDWR|_O_CREAT             0x0102   "r+"    start      yes
-//   8     _O_RDWR|_O_CREAT             0x0102   "w"     end        yes
-//   9     _O_RDWR|_O_CREAT|_O_BINARY   0x8102   "r+"    start      yes
+//   mode   _wopen flags  stream  position   then _wchmod(path, 0x180)
+//   0      0x0000        "r"     start      -
+//   1      0x8000        "r"     start      -
+//   2, 3   0x8302        "w"     start      yes
+//   4      0x0302        "w"     start      yes
+//   5, 6   0x8102        "w"     end        yes
+//   7      0x0102        "r+"    start      yes
+//   8      0x0102        "w"     end        yes
+//   9      0x8102        "r+"    start      yes
+//   (_O_RDWR 0x2, _O_CREAT 0x100, _O_TRUNC 0x200, _O_BINARY 0x8000)
 //
 //   Modes without _O_BINARY read text: "\r\n" reads as "\n". Nothing ever
 //   writes "\r". A failed _wopen prints the system's reason after "ERROR" on
@@ -29,9 +30,9 @@
 //   14 read and write (13 and 14 need the file to exist).
 //
 // Results: 0 or a position for success, -1 for failure. Mode 10 answers -1
-// and touches nothing. FOpen stores the mode before it tries, and does not
-// close what the object had open: a caller closes first. After FClose the
-// object can be opened again; the spec stays.
+// and touches nothing. FOpen records the mode before trying and never closes
+// an earlier opening (close it yourself). A closed object may be opened
+// anew, with the same spec.
 //
 // Seeks. FSeek64 moves the descriptor once, by the amount asked for (the
 // stream gives up its buffer first), and answers the 64-bit position. The
@@ -158,7 +159,8 @@ class BASICUTILS_EXPORT MFileUniv : public MFile {
     virtual int FPuttsForUnicodeFile(char16_t* text);
     virtual int FStat(const char16_t* path, struct _stati64* status);
 
-    // Cuts or extends the file at the descriptor's position: 0 or -1.
+    // Makes the descriptor's position the end of the file (shorter or
+    // longer): 0 or -1.
     int FSetEndOfFile();
     // The overlapped world's size setter: 0 or -1.
     int FSetFileSize(int64_t size);
