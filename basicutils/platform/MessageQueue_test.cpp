@@ -3,6 +3,7 @@
 #include <basicutils/platform/MessageQueue.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/WinThread.h>
+#include <basicutils/platform/internal/WindowMessages.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 
@@ -75,7 +76,7 @@ TEST(MessageQueue, PumpWaitsForALateMessageAndLeavesQuit) {
         Sleep(5);
         window.PostMessage(WM_USER, 0, 9);
     });
-    EXPECT_EQ(PumpMessages(INFINITE), 1);
+    EXPECT_EQ(PumpMessages(20000), 1);
     late.join();
     PostQuitMessage(4);
     EXPECT_TRUE(Readable(GetMessageQueueFd()));
@@ -150,7 +151,7 @@ TEST(MessageQueue, ThreadWithLoopHandlesItsMessagesThenQuits) {
     for (LPARAM i = 0; i < 10; ++i) EXPECT_TRUE(PostThreadMessageW(id, WM_USER, 0, i));
     EXPECT_TRUE(thread->PostThreadMessage(WM_USER + 1, 0, 10));
     thread->ResumeThread();
-    EXPECT_EQ(WaitForSingleObject(thread->m_hThread, INFINITE), WAIT_OBJECT_0);
+    EXPECT_EQ(WaitForSingleObject(thread->m_hThread, 20000), WAIT_OBJECT_0);
     DWORD code = 0;
     GetExitCodeThread(thread->m_hThread, &code);
     EXPECT_EQ(code, 42u);
