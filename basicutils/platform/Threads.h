@@ -24,11 +24,17 @@
 // Signals: the library takes over one real-time signal (SuspendSignal in
 // the internal headers, SIGRTMIN + 6), installed at the first CreateThread;
 // signals of that number that aren't the library's own go to the handler
-// installed before. Threads of this layer unblock it whatever mask they
-// inherit from their creator; their mask is otherwise the creator's. A
-// thread that blocks the signal itself can't be stopped until it unblocks
-// it. Under ThreadSanitizer, whose runtime delivers signals only at its own
-// interception points, a stop can come later than it would otherwise.
+// installed before (and are dropped when there was none). Threads of this
+// layer unblock it whatever mask they inherit from their creator; their mask
+// is otherwise the creator's. A thread that blocks the signal itself can't
+// be stopped until it unblocks it.
+//
+// Under ThreadSanitizer, whose runtime holds a signal back until the thread
+// passes one of its interception points, the handler sees the address at
+// which the signal arrived, not the one at which it runs. A stop then comes
+// at an interception point: outside the C library and the library's locks
+// still, but it could follow a lock that the C++ runtime took through an
+// intercepted call (its locale or once-only initialisation, say).
 //
 // Thread IDs are small numbers handed out by this layer, never 0 and never
 // reused within a process. Any thread has one, whether this layer created it
