@@ -18,6 +18,7 @@
 #include <basicutils/platform/MessageQueue.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
+#include <basicutils/platform/VirtualMemory.h>
 #include <basicutils/platform/WinThread.h>
 
 // text

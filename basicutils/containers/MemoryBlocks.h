@@ -23,72 +23,67 @@
 
 namespace basicutils {
 
-class BASICUTILS_EXPORT StHandleBlock {
+namespace detail {
+
+// The owner of a new Handle of `size` bytes, deleted with the holder.
+class BASICUTILS_EXPORT HandleHolder {
   public:
-    StHandleBlock(int32_t size, bool useTempMemory = false, bool throwFail = true);
-    StHandleBlock(const StHandleBlock&) = delete;
-    StHandleBlock& operator=(const StHandleBlock&) = delete;
-    ~StHandleBlock();
+    explicit HandleHolder(int32_t size);
+    HandleHolder(const HandleHolder&) = delete;
+    HandleHolder& operator=(const HandleHolder&) = delete;
+    ~HandleHolder();
     operator Handle*() const { return mHandle; }
 
   protected:
     Handle* mHandle;
 };
 
-class BASICUTILS_EXPORT StClearHandleBlock {
+// The owner of a zero-filled global block of `size` bytes at a fixed address.
+class BASICUTILS_EXPORT PointerHolder {
   public:
-    StClearHandleBlock(int32_t size, bool throwFail = true);
-    StClearHandleBlock(const StClearHandleBlock&) = delete;
-    StClearHandleBlock& operator=(const StClearHandleBlock&) = delete;
-    ~StClearHandleBlock();
-    operator Handle*() const { return mHandle; }
+    explicit PointerHolder(int32_t size);
+    PointerHolder(const PointerHolder&) = delete;
+    PointerHolder& operator=(const PointerHolder&) = delete;
+    ~PointerHolder();
+    operator char*() const { return mPointer; }
 
   protected:
-    Handle* mHandle;
+    char* mPointer;
 };
 
-class BASICUTILS_EXPORT StTempHandle {
-  public:
-    StTempHandle(int32_t size, bool throwFail = true);
-    StTempHandle(const StTempHandle&) = delete;
-    StTempHandle& operator=(const StTempHandle&) = delete;
-    ~StTempHandle();
-    operator Handle*() const { return mHandle; }
+}  // namespace detail
 
-  protected:
-    Handle* mHandle;
+class BASICUTILS_EXPORT StHandleBlock : public detail::HandleHolder {
+  public:
+    StHandleBlock(int32_t size, bool /*useTempMemory*/ = false, bool /*throwFail*/ = true)
+        : HandleHolder(size) {}
+};
+
+class BASICUTILS_EXPORT StClearHandleBlock : public detail::HandleHolder {
+  public:
+    StClearHandleBlock(int32_t size, bool /*throwFail*/ = true) : HandleHolder(size) {}
+};
+
+class BASICUTILS_EXPORT StTempHandle : public detail::HandleHolder {
+  public:
+    StTempHandle(int32_t size, bool /*throwFail*/ = true) : HandleHolder(size) {}
 };
 
 class BASICUTILS_EXPORT StHandleLocker {
   public:
-    explicit StHandleLocker(Handle* handle);
+    explicit StHandleLocker(Handle*) {}
     StHandleLocker(const StHandleLocker&) = delete;
     StHandleLocker& operator=(const StHandleLocker&) = delete;
-    ~StHandleLocker();
 };
 
-class BASICUTILS_EXPORT StPointerBlock {
+class BASICUTILS_EXPORT StPointerBlock : public detail::PointerHolder {
   public:
-    StPointerBlock(int32_t size, bool throwFail = true);
-    StPointerBlock(const StPointerBlock&) = delete;
-    StPointerBlock& operator=(const StPointerBlock&) = delete;
-    ~StPointerBlock();
-    operator char*() const { return mPointer; }
-
-  protected:
-    char* mPointer;
+    StPointerBlock(int32_t size, bool /*throwFail*/ = true) : PointerHolder(size) {}
 };
 
-class BASICUTILS_EXPORT StClearPointerBlock {
+class BASICUTILS_EXPORT StClearPointerBlock : public detail::PointerHolder {
   public:
-    StClearPointerBlock(int32_t size, bool throwFail = true);
-    StClearPointerBlock(const StClearPointerBlock&) = delete;
-    StClearPointerBlock& operator=(const StClearPointerBlock&) = delete;
-    ~StClearPointerBlock();
-    operator char*() const { return mPointer; }
-
-  protected:
-    char* mPointer;
+    StClearPointerBlock(int32_t size, bool /*throwFail*/ = true) : PointerHolder(size) {}
 };
 
 class BASICUTILS_EXPORT StMemoryState {

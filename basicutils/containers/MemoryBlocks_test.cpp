@@ -1,6 +1,7 @@
 #include <basicutils/containers/Handle.h>
 #include <basicutils/containers/MemoryBlocks.h>
 #include <basicutils/platform/GlobalMemory.h>
+#include <basicutils/platform/internal/GlobalSize.h>
 #include <gtest/gtest.h>
 
 #include <cstring>

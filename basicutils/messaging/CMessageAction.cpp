@@ -17,12 +17,6 @@ const char16_t kEmptyText[] = u"";
 }  // namespace
 
 CMessageAction::CMessageAction() = default;
-CMessageAction::CMessageAction(const CMessageAction& other) : ChannelBroadcaster(other) {}
-CMessageAction& CMessageAction::operator=(const CMessageAction& other) {
-    ChannelBroadcaster::operator=(other);
-    return *this;
-}
-CMessageAction::~CMessageAction() = default;
 
 void CMessageAction::Error(void* context, const char16_t* text, message_action_t type) {
     sMessageAction._Error(context, text, GetWindowType(type));

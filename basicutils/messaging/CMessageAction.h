@@ -48,9 +48,9 @@ struct SInteractionInfo {
 class BASICUTILS_EXPORT CMessageAction : public detail::ChannelBroadcaster {
   public:
     CMessageAction();
-    CMessageAction(const CMessageAction& other);
-    CMessageAction& operator=(const CMessageAction& other);
-    ~CMessageAction() override;
+    CMessageAction(const CMessageAction& other) = default;
+    CMessageAction& operator=(const CMessageAction& other) = default;
+    ~CMessageAction() override = default;
 
     static void Error(void* context, const char16_t* text,
                       message_action_t type = kMessageWindowDefault);

@@ -1,6 +1,7 @@
 // Report numbers by kind and window, the record of each kind, listeners that
 // change the list during reports, and reports from many threads.
 #include <basicutils/messaging/CMessageAction.h>
+#include <basicutils/messaging/Recorder_test.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -12,25 +13,17 @@
 namespace basicutils {
 namespace {
 
-struct Heard {
-    int32_t message;
-    void* context;
-    bool textIsNull;
-    std::u16string text;
-};
+using testing_support::Recorder;
+using Entries = std::vector<std::string>;
 
-class Recorder : public LListener {
-  public:
-    std::vector<Heard> heard;
-    std::function<void(int32_t)> onMessage;
-    bool ListenToMessage(int32_t message, void* param) override {
-        auto* info = static_cast<SInteractionInfo*>(param);
-        heard.push_back({message, info->mContext, info->mText == nullptr,
-                         info->mText ? std::u16string(info->mText) : std::u16string()});
-        if (onMessage) onMessage(message);
-        return true;
-    }
-};
+// "context text" of a report: the context as "ctx" or "-", the text or "(null)".
+std::string Report(int32_t, void* param) {
+    auto* info = static_cast<SInteractionInfo*>(param);
+    std::string text = "(null)";
+    if (info->mText)
+        text.assign(info->mText, info->mText + std::char_traits<char16_t>::length(info->mText));
+    return (info->mContext ? "ctx " : "- ") + text;
+}
 
 // Restores the default window however a test ends.
 struct DefaultGuard {
@@ -49,12 +42,8 @@ TEST(CMessageAction, NumbersFollowKindAndResolvedWindow) {
     const Call simple = [](message_action_t t) { CMessageAction::SimpleOutput(nullptr, u"x", t); };
     const Call ret = [](message_action_t t) { CMessageAction::Return(t); };
     const Call clear = [](message_action_t t) { CMessageAction::Clear(t); };
-    struct Case {
-        message_action_t defaultType;
-        Call call;
-        int type;
-        int32_t expected;  // 0: nothing is sent
-    } cases[] = {
+    // clang-format off
+    struct { message_action_t defaultType; Call call; int type; int32_t expected; } cases[] = {  // 0: nothing sent
         {kMessageWindow1, error, 0, 26000},    {kMessageWindow1, error, 3, 26020},
         {kMessageWindow4, error, 3, 26020},    {kMessageWindow4, warning, 0, 26031},
         {kMessageWindow1, inform, 5, 26042},   {kMessageWindow1, clear, 3, 26023},
@@ -64,25 +53,23 @@ TEST(CMessageAction, NumbersFollowKindAndResolvedWindow) {
         {kMessageWindow3, simple, 0, 26025},   {kMessageWindow1, error, 6, 0},
         {kMessageWindow1, warning, -1, 0},     {static_cast<message_action_t>(9), clear, 0, 0},
     };
+    // clang-format on
     Recorder recorder;
     CMessageAction::GetMessageAction()->AddListener(&recorder);
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         CMessageAction::SetDefault(c.defaultType);
-        recorder.heard.clear();
+        recorder.Clear();
         c.call(static_cast<message_action_t>(c.type));
-        if (c.expected == 0) {
-            EXPECT_TRUE(recorder.heard.empty())
-                << "default " << c.defaultType << " type " << c.type;
-        } else {
-            ASSERT_EQ(recorder.heard.size(), 1u);
-            EXPECT_EQ(recorder.heard[0].message, c.expected);
-        }
+        EXPECT_EQ(recorder.Numbers(),
+                  c.expected ? std::vector<int32_t>{c.expected} : std::vector<int32_t>{})
+            << "default " << c.defaultType << " type " << c.type;
     }
     CMessageAction::GetMessageAction()->RemoveListener(&recorder);
 }
 
 TEST(CMessageAction, RecordsCarryContextAndTextByKind) {
     Recorder recorder;
+    recorder.describe = Report;
     CMessageAction::GetMessageAction()->AddListener(&recorder);
     int context = 0;
     CMessageAction::Warning(&context, u"disk full", kMessageWindow2);
@@ -90,13 +77,8 @@ TEST(CMessageAction, RecordsCarryContextAndTextByKind) {
     CMessageAction::Clear(kMessageWindow2);
     CMessageAction::GetMessageAction()->RemoveListener(&recorder);
     CMessageAction::Error(nullptr, u"nobody hears this");
-    ASSERT_EQ(recorder.heard.size(), 3u);
-    EXPECT_EQ(recorder.heard[0].context, &context);
-    EXPECT_EQ(recorder.heard[0].text, u"disk full");
-    EXPECT_FALSE(recorder.heard[1].textIsNull) << "Return sends an empty text, not null";
-    EXPECT_EQ(recorder.heard[1].text, u"");
-    EXPECT_EQ(recorder.heard[1].context, nullptr);
-    EXPECT_TRUE(recorder.heard[2].textIsNull) << "Clear sends no text";
+    EXPECT_EQ(recorder.Entries(), (Entries{"ctx disk full", "- ", "- (null)"}))
+        << "Return sends an empty text, Clear none";
 }
 
 // A derived channel sees every report in BroadcastInteraction.
@@ -123,12 +105,13 @@ TEST(CMessageAction, SubclassCatchesReportsInOnePlace) {
 
 TEST(CMessageAction, ListenersMayJoinLeaveAndReportDuringAReport) {
     Recorder late, leaver, reporter;
+    late.describe = Report;
     CMessageAction* channel = CMessageAction::GetMessageAction();
-    leaver.onMessage = [&](int32_t) {
+    leaver.then = [&](int32_t) {
         channel->RemoveListener(&leaver);
         channel->AddListener(&late);
     };
-    reporter.onMessage = [&](int32_t message) {
+    reporter.then = [&](int32_t message) {
         if (message == 26000) CMessageAction::Inform(nullptr, u"nested");
     };
     channel->AddListener(&leaver);
@@ -137,25 +120,15 @@ TEST(CMessageAction, ListenersMayJoinLeaveAndReportDuringAReport) {
     CMessageAction::Error(nullptr, u"second");
     channel->RemoveListener(&reporter);
     channel->RemoveListener(&late);
-    EXPECT_EQ(leaver.heard.size(), 1u);
+    EXPECT_EQ(leaver.Numbers().size(), 1u);
     // The late listener joined during the first report: the nested report
     // reaches it first, then the rest of the walk under way, then the second.
-    std::vector<std::u16string> texts;
-    for (auto& h : late.heard) texts.push_back(h.text);
-    EXPECT_EQ(texts, (std::vector<std::u16string>{u"nested", u"first", u"nested", u"second"}));
-    size_t nested = 0;
-    for (auto& h : reporter.heard) nested += h.message == 26002;
-    EXPECT_EQ(nested, 2u);
+    EXPECT_EQ(late.Entries(), (Entries{"- nested", "- first", "- nested", "- second"}));
+    EXPECT_EQ(reporter.Numbers(), (std::vector<int32_t>{26000, 26002, 26000, 26002}));
 }
 
 TEST(CMessageAction, ReportsFromWorkersWhileListenersComeAndGo) {
-    struct Counter : LListener {
-        std::atomic<int> count{0};
-        bool ListenToMessage(int32_t, void*) override {
-            count.fetch_add(1);
-            return true;
-        }
-    } steady, churn;
+    Recorder steady, churn;
     CMessageAction* channel = CMessageAction::GetMessageAction();
     channel->AddListener(&steady);
     std::atomic<bool> done{false};
@@ -174,7 +147,7 @@ TEST(CMessageAction, ReportsFromWorkersWhileListenersComeAndGo) {
     done = true;
     toggler.join();
     channel->RemoveListener(&steady);
-    EXPECT_EQ(steady.count.load(), 6000);
+    EXPECT_EQ(steady.Numbers().size(), 6000u);
 }
 
 }  // namespace

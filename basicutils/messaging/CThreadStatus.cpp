@@ -4,12 +4,6 @@
 namespace basicutils {
 
 CThreadStatus::CThreadStatus() = default;
-CThreadStatus::CThreadStatus(const CThreadStatus& other) : ChannelBroadcaster(other) {}
-CThreadStatus& CThreadStatus::operator=(const CThreadStatus& other) {
-    ChannelBroadcaster::operator=(other);
-    return *this;
-}
-CThreadStatus::~CThreadStatus() = default;
 
 void CThreadStatus::Status(int64_t position, int64_t range, const char16_t* status) {
     sThreadStatus.BroadcastStatus(kStatusMaskStatus | kStatusMaskRange | kStatusMaskPosition,

@@ -41,9 +41,9 @@ struct SThreadStatusInfo {
 class BASICUTILS_EXPORT CThreadStatus : public detail::ChannelBroadcaster {
   public:
     CThreadStatus();
-    CThreadStatus(const CThreadStatus& other);
-    CThreadStatus& operator=(const CThreadStatus& other);
-    ~CThreadStatus() override;
+    CThreadStatus(const CThreadStatus& other) = default;
+    CThreadStatus& operator=(const CThreadStatus& other) = default;
+    ~CThreadStatus() override = default;
 
     static void Status(int64_t position, int64_t range, const char16_t* status);
     static void SetStatus(const char16_t* status);

@@ -65,6 +65,7 @@ inline constexpr uint32_t ERROR_NO_MORE_ITEMS = 259;
 inline constexpr uint32_t ERROR_DIRECTORY = 267;
 inline constexpr uint32_t ERROR_NOT_OWNER = 288;
 inline constexpr uint32_t ERROR_TOO_MANY_POSTS = 298;
+inline constexpr uint32_t ERROR_INVALID_ADDRESS = 487;
 inline constexpr uint32_t ERROR_OPERATION_ABORTED = 995;
 inline constexpr uint32_t ERROR_IO_INCOMPLETE = 996;
 inline constexpr uint32_t ERROR_IO_PENDING = 997;

@@ -19,30 +19,14 @@ TEST(Errors, LastErrorIsPerThread) {
 }
 
 TEST(Errors, ErrnoMapsToWin32Numbers) {
-    struct Case {
-        int errnum;
-        uint32_t win32;
-    } cases[] = {
-        {0, 0},
-        {ENOENT, 2},
-        {ENOTDIR, 3},
-        {EMFILE, 4},
-        {EACCES, 5},
-        {EBADF, 6},
-        {ENOMEM, 8},
-        {EEXIST, 80},
-        {EINVAL, 87},
-        {ENOSPC, 112},
-        {EIO, 1117},
-        {EPIPE, 109},
-        {EILSEQ, 1113},
-        {ENAMETOOLONG, 206},
-        {ENOTEMPTY, 145},
-        {EDQUOT, 112},
-        {ECANCELED, 995},
-        {ETIMEDOUT, 1460},
+    // clang-format off
+    struct Case { int errnum; uint32_t win32; } cases[] = {
+        {0, 0}, {ENOENT, 2}, {ENOTDIR, 3}, {EMFILE, 4}, {EACCES, 5}, {EBADF, 6}, {ENOMEM, 8},
+        {EEXIST, 80}, {EINVAL, 87}, {ENOSPC, 112}, {EIO, 1117}, {EPIPE, 109}, {EILSEQ, 1113},
+        {ENAMETOOLONG, 206}, {ENOTEMPTY, 145}, {EDQUOT, 112}, {ECANCELED, 995}, {ETIMEDOUT, 1460},
         {99999, ERROR_GEN_FAILURE},
     };
+    // clang-format on
     for (const Case& c : cases) EXPECT_EQ(ErrnoToWin32Error(c.errnum), c.win32) << c.errnum;
     EXPECT_EQ(SetLastErrorFromErrno(ENOENT), ERROR_FILE_NOT_FOUND);
     EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);

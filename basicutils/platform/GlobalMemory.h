@@ -35,7 +35,5 @@ BASICUTILS_EXPORT void* GlobalLock(HGLOBAL block);
 BASICUTILS_EXPORT int GlobalUnlock(HGLOBAL block);
 BASICUTILS_EXPORT HGLOBAL GlobalHandle(const void* address);
 BASICUTILS_EXPORT HGLOBAL GlobalFree(HGLOBAL block);
-// Bytes of a live block, 0 for a null or unknown handle.
-BASICUTILS_EXPORT size_t GlobalSize(HGLOBAL block);
 
 }  // namespace basicutils

@@ -91,7 +91,8 @@ BASICUTILS_EXPORT LRESULT DispatchMessageW(const MSG* message);
 // See the top of this file. Returns the number of messages handled.
 BASICUTILS_EXPORT int PumpMessages(DWORD waitMilliseconds = 0);
 // The calling thread's descriptor: readable while messages wait. It belongs
-// to the queue; don't read or close it.
+// to the queue; don't read or close it. -1 (GetLastError says why) when the
+// system gives none; a later call tries again.
 BASICUTILS_EXPORT int GetMessageQueueFd();
 
 // A window that is never shown: an address for messages, bound to the

@@ -66,7 +66,8 @@ inline constexpr DWORD kThreadCallFailed = 0xFFFFFFFFu;
 
 // Creates a thread that runs routine(parameter). With CREATE_SUSPENDED it
 // waits until resumed. The ID goes to *threadId when that is not null.
-// nullptr when the thread can't be created. `security` is ignored;
+// nullptr when the thread can't be created (GetLastError says why).
+// `security` is ignored;
 // stackSize 0 means the default.
 BASICUTILS_EXPORT HANDLE CreateThread(void* security, size_t stackSize,
                                       LPTHREAD_START_ROUTINE routine, void* parameter, DWORD flags,

@@ -1,11 +1,14 @@
 // Threads: suspended creation, real suspension, IDs, exit codes, bad handles.
 #include <basicutils/platform/Deadline_test.h>
+#include <basicutils/platform/Errors.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
 #include <basicutils/platform/internal/Suspension.h>
+#include <basicutils/platform/testing/FaultEnv.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 namespace basicutils {
@@ -26,12 +29,12 @@ struct Spinner {
     }
     bool Progresses() {
         const uint64_t start = count.load();
-        return WaitUntil([&] { return count.load() >= start + 100; });
+        return WaitUntil([&] { return count.load() >= start + 10; });
     }
-    // True when the count doesn't move while the caller yields a while.
+    // True when the count doesn't move while the caller sleeps a little.
     bool Frozen() {
         const uint64_t before = count.load();
-        for (int i = 0; i < 2000; ++i) std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
         return count.load() == before;
     }
 };
@@ -145,10 +148,13 @@ TEST(Threads, BadHandlesAndFailedCreationGiveFailures) {
     EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_FAILED);
     EXPECT_FALSE(CloseHandle(bogus));
 
-    detail::FailThreadCreations(1);
+    testing::FaultEnv faults;
+    testing::ScopedEnv use(faults);
+    faults.FailNth(detail::SysCall::kThreadCreate, 1, EAGAIN);
     Spinner s;
     s.stop = true;
     EXPECT_EQ(CreateThread(nullptr, 0, &Spinner::Run, &s, 0, nullptr), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_QUOTA);
     HANDLE h = CreateThread(nullptr, 0, &Spinner::Run, &s, 0, nullptr);
     ASSERT_NE(h, nullptr) << "only one creation was to fail";
     WaitForSingleObject(h, 20000);

@@ -1,4 +1,5 @@
 // The single-run rule, the task lists and the dispatcher's messages.
+#include <basicutils/messaging/Recorder_test.h>
 #include <basicutils/tasks/CThreadAction.h>
 #include <basicutils/tasks/TaskTesting_test.h>
 #include <gtest/gtest.h>
@@ -148,13 +149,7 @@ TEST(Dispatcher, OneWindowUntilDeletedAndMessagesToIt) {
     EXPECT_EQ(d->GetExStyle(), WS_EX_TOOLWINDOW);
     EXPECT_TRUE(d->IsKindOf(RUNTIME_CLASS(CFrameWnd)));
 
-    struct Once : LListener {
-        std::vector<int32_t> got;
-        bool ListenToMessage(int32_t m, void*) override {
-            got.push_back(m);
-            return true;
-        }
-    } listener;
+    Recorder listener;
     SBroadcastRequest request{&listener, 4711, nullptr};
     SBroadcastRequest empty{nullptr, 4712, nullptr};
     EXPECT_TRUE(d->PostMessage(kWmBroadcastMessage, 0, reinterpret_cast<LPARAM>(&request)));
@@ -164,7 +159,7 @@ TEST(Dispatcher, OneWindowUntilDeletedAndMessagesToIt) {
     auto* task = new LoggedTask(&log, "posted", false, false);
     EXPECT_TRUE(d->PostMessage(kWmThreadStarted, 0, reinterpret_cast<LPARAM>(task)));
     EXPECT_EQ(PumpMessages(0), 4);
-    EXPECT_EQ(listener.got, (std::vector<int32_t>{4711}));
+    EXPECT_EQ(listener.Numbers(), (std::vector<int32_t>{4711}));
     EXPECT_EQ(CThreadAction::GetThreadAction()->GetThread(1), task) << "1313 lists the task";
     CThreadAction::GetThreadAction()->RemoveThread(task);
     delete task;

@@ -1,10 +1,14 @@
 // The life of a task: which steps run, in which order, on which thread.
 #include <basicutils/messaging/CMessageAction.h>
+#include <basicutils/messaging/Recorder_test.h>
 #include <basicutils/platform/internal/Suspension.h>
+#include <basicutils/platform/testing/FaultEnv.h>
 #include <basicutils/tasks/CVelmorantThread.h>
 #include <basicutils/tasks/TaskTesting_test.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <functional>
 #include <thread>
 
 namespace basicutils {
@@ -31,29 +35,31 @@ class TaskLife : public ::testing::Test {
     MessageLog mSchedulerMessages{&mLog};
 };
 
-TEST_F(TaskLife, WithoutWorkerEverythingHappensInsideExecute) {
+// The steps of tasks that end inside Execute, in order, on the caller's thread.
+TEST_F(TaskLife, TasksThatEndInsideExecute) {
+    using Setup = std::function<void(LoggedTask*)>;
+    // clang-format off
+    struct { bool worker, autoDelete; Setup setup; bool executes; Steps steps; } cases[] = {
+        {false, true, [](LoggedTask*) {}, true, {"preplay:t", "29000:t", "run:t", "postplay:t", "58900:t", "29001:t", "deleted:t", "29002:?"}},
+        {true, true, [](LoggedTask* t) { t->mAccept = false; }, false, {"preplay:t", "deleted:t", "29002:?"}},
+        {true, false, [](LoggedTask* t) { t->mAccept = false; }, false, {"preplay:t", "deleted:t", "29002:?"}},
+        {true, true, [](LoggedTask* t) { t->mShouldStart = false; }, true, {"preplay:t", "29000:t", "start:t", "postplay:t", "58900:t", "29001:t", "deleted:t", "29002:?"}},
+    };
+    // clang-format on
     ListenToScheduler();
-    auto* task = Watch(new LoggedTask(&mLog, "t", false));
-    EXPECT_FALSE(task->CanKill());
-    task->Pause();
-    EXPECT_FALSE(task->IsPaused()) << "no thread: nothing to pause";
-    EXPECT_TRUE(task->Execute());
-    StopListening();
-    EXPECT_EQ(mLog.Steps(), (Steps{"preplay:t", "29000:t", "run:t", "postplay:t", "58900:t",
-                                   "29001:t", "deleted:t", "29002:?"}));
-    for (auto& e : mLog.Events()) EXPECT_EQ(e.thread, GetCurrentThreadId()) << e.what;
-}
-
-TEST_F(TaskLife, RefusedByPrePlayIsDeletedUnlisted) {
-    ListenToScheduler();
-    for (bool autoDelete : {true, false}) {
-        auto* task = Watch(new LoggedTask(&mLog, "r", true, autoDelete));
-        task->mAccept = false;
-        EXPECT_FALSE(task->Execute());
+    for (auto& c : cases) {
+        mLog.Clear();
+        auto* task = Watch(new LoggedTask(&mLog, "t", c.worker, c.autoDelete));
+        c.setup(task);
+        EXPECT_EQ(task->Execute(), c.executes);
+        EXPECT_EQ(mLog.Steps(), c.steps);
+        for (auto& e : mLog.Events()) EXPECT_EQ(e.thread, GetCurrentThreadId()) << e.what;
     }
     StopListening();
-    EXPECT_EQ(mLog.Steps(),
-              (Steps{"preplay:r", "deleted:r", "29002:?", "preplay:r", "deleted:r", "29002:?"}));
+    auto* idle = new LoggedTask(&mLog, "i", false);
+    idle->Pause();
+    EXPECT_FALSE(idle->IsPaused()) << "no thread: nothing to pause";
+    idle->Execute();
 }
 
 TEST_F(TaskLife, SelfDeletingWorkerCleansUpOnTheMainThread) {
@@ -101,14 +107,6 @@ TEST_F(TaskLife, WorkerWithoutAutoDeleteCleansUpOnTheWorker) {
                                    "58901:k", "canKill=0:k", "deleted:k", "29002:?", "gone:k"}));
 }
 
-TEST_F(TaskLife, ShouldStartFalseEndsWithoutThreadButWithPostPlay) {
-    auto* task = Watch(new LoggedTask(&mLog, "s", true));
-    task->mShouldStart = false;
-    ASSERT_TRUE(task->Execute());
-    EXPECT_EQ(mLog.Steps(),
-              (Steps{"preplay:s", "start:s", "postplay:s", "58900:s", "deleted:s", "29002:?"}));
-}
-
 TEST_F(TaskLife, AbortOfRunningTaskOnlyClearsShouldStart) {
     auto* task = Watch(new LoggedTask(&mLog, "a", true));
     Gate gate;
@@ -124,21 +122,17 @@ TEST_F(TaskLife, AbortOfRunningTaskOnlyClearsShouldStart) {
 }
 
 TEST_F(TaskLife, ThreadThatCannotBeCreatedEndsTheTaskAndSaysSo) {
-    struct ErrorLog : LListener {
-        std::vector<int32_t> numbers;
-        bool ListenToMessage(int32_t message, void*) override {
-            numbers.push_back(message);
-            return true;
-        }
-    } errors;
+    Recorder errors;
     CMessageAction::GetMessageAction()->AddListener(&errors);
-    detail::FailThreadCreations(1);
+    testing::FaultEnv faults;
+    testing::ScopedEnv use(faults);
+    faults.FailNth(detail::SysCall::kThreadCreate, 1, EAGAIN);
     auto* first = Watch(new SingleTask(&mLog, "f1"));
     auto* second = Watch(new SingleTask(&mLog, "f2"));
     first->Execute();
     second->Execute();
     CMessageAction::GetMessageAction()->RemoveListener(&errors);
-    EXPECT_EQ(errors.numbers, (std::vector<int32_t>{26000}));
+    EXPECT_EQ(errors.Numbers(), (std::vector<int32_t>{26000}));
     EXPECT_FALSE(mLog.Has("run", "f1"));
     EXPECT_TRUE(mLog.Has("postplay", "f1"));
     EXPECT_TRUE(mLog.Has("deleted", "f1"));
@@ -164,7 +158,7 @@ class Spinner : public LoggedTask {
     }
     bool Advances() {
         const int64_t from = GetPos();
-        return WaitUntil([&] { return GetPos() >= from + 100; });
+        return WaitUntil([&] { return GetPos() >= from + 10; });
     }
 };
 
@@ -177,7 +171,7 @@ TEST_F(TaskLife, PauseSuspendsTheWorkerAndContinueResumesIt) {
     EXPECT_TRUE(task->IsPaused());
     ASSERT_TRUE(detail::WaitForThreadStop(task->Worker(), 20000));
     const int64_t frozen = task->GetPos();
-    for (int i = 0; i < 2000; ++i) std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
     EXPECT_EQ(task->GetPos(), frozen);
     task->Continue();
     EXPECT_FALSE(task->IsPaused());

@@ -31,6 +31,10 @@ class EventLog {
         std::lock_guard<std::mutex> g(mLock);
         mEvents.push_back({what, task, GetCurrentThreadId()});
     }
+    void Clear() {
+        std::lock_guard<std::mutex> g(mLock);
+        mEvents.clear();
+    }
     std::vector<Event> Events() {
         std::lock_guard<std::mutex> g(mLock);
         return mEvents;

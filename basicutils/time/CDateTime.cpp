@@ -64,20 +64,6 @@ CDateTime::CDateTime(double value) : mDateTime(value), mYear(0), mMonth(1), mDay
     ParseDate();
 }
 
-CDateTime::CDateTime(const CDateTime& other) : mDateTime(0.0), mYear(0), mMonth(1), mDay(1) {
-    *this = other;
-}
-
-CDateTime& CDateTime::operator=(const CDateTime& other) {
-    mDateTime = other.mDateTime;
-    mYear = other.mYear;
-    mMonth = other.mMonth;
-    mDay = other.mDay;
-    return *this;
-}
-
-CDateTime::~CDateTime() = default;
-
 void CDateTime::SetDate(int year, int month, int day) {
     int64_t days = DaysBeforeYear(year);
     int leap = IsLeapYear(year);

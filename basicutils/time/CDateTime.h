@@ -27,9 +27,9 @@ namespace basicutils {
 class BASICUTILS_EXPORT CDateTime {
   public:
     CDateTime(double value = 0.0);
-    CDateTime(const CDateTime& other);
-    CDateTime& operator=(const CDateTime& other);
-    virtual ~CDateTime();
+    CDateTime(const CDateTime& other) = default;
+    CDateTime& operator=(const CDateTime& other) = default;
+    virtual ~CDateTime() = default;
 
     virtual void SetDate(int year, int month, int day);
     virtual int GetYear() { return mYear; }

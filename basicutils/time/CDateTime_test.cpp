@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <vector>
 
 namespace basicutils {
 namespace {
@@ -32,18 +33,14 @@ TEST(CDateTime, EveryDayOfFiftyCenturiesRoundTrips) {
 }
 
 TEST(CDateTime, LeapRuleAndMonthLengths) {
-    struct {
-        int year, leap;
-    } years[] = {{0, 0},    {1, 0},    {4, 1},    {100, 0}, {400, 1},
-                 {1900, 0}, {2000, 1}, {2023, 0}, {2024, 1}};
-    for (auto& y : years) {
-        EXPECT_EQ(CDateTime::IsLeapYear(y.year), y.leap) << y.year;
-        EXPECT_EQ(CDateTime::GetTotalDayOfYear(y.year), 365 + y.leap) << y.year;
+    // clang-format off
+    const std::pair<int, int> years[] = {{0, 0}, {1, 0}, {4, 1}, {100, 0}, {400, 1}, {1900, 0}, {2000, 1}, {2023, 0}, {2024, 1}};
+    struct { int month, leap, days; } months[] = {{1, 0, 31}, {2, 0, 28}, {2, 1, 29}, {4, 0, 30}, {12, 1, 31}, {0, 0, 30}, {13, 0, 30}};
+    // clang-format on
+    for (auto [year, leap] : years) {
+        EXPECT_EQ(CDateTime::IsLeapYear(year), leap) << year;
+        EXPECT_EQ(CDateTime::GetTotalDayOfYear(year), 365 + leap) << year;
     }
-    struct {
-        int month, leap, days;
-    } months[] = {{1, 0, 31},  {2, 0, 28}, {2, 1, 29}, {4, 0, 30},
-                  {12, 1, 31}, {0, 0, 30}, {13, 0, 30}};
     for (auto& m : months)
         EXPECT_EQ(CDateTime::GetTotalDayOfMonth(m.month, m.leap), m.days) << m.month;
 }
@@ -104,12 +101,10 @@ TEST(CDateTime, ArithmeticAndOrder) {
     CDateTime morning(a), evening(a);
     morning.SetTime(8, 0, 0);
     evening.SetTime(20, 0, 0);
-    EXPECT_EQ(morning == evening, 0);
-    EXPECT_EQ(morning != evening, 1);
-    EXPECT_EQ(morning < evening, 1);
-    EXPECT_EQ(evening >= morning, 1);
-    EXPECT_EQ(morning > evening, 0);
-    EXPECT_EQ(morning <= morning, 1);
+    const std::vector<int> order = {morning == evening, morning != evening,
+                                    morning<evening, evening >= morning, morning> evening,
+                                    morning <= morning};
+    EXPECT_EQ(order, (std::vector<int>{0, 1, 1, 1, 0, 1}));
 }
 
 // The day of the year from the machine's local clock must agree with the

@@ -1,4 +1,5 @@
 #include <basicutils/time/CDuration.h>
+#include <basicutils/time/internal/StoreIfChanged.h>
 
 namespace basicutils {
 
@@ -11,49 +12,27 @@ CTimecode OneFrame(frame_type_t type) {
 
 CDuration::CDuration() : mResolution(kResolutionNTSC), mDropType(kNonDrop) {}
 
-CDuration::CDuration(const CDuration& other)
-    : LBroadcaster(), LNotifier(), mResolution(kResolutionNTSC), mDropType(kNonDrop) {
-    *this = other;
-}
-
-CDuration::~CDuration() = default;
-
 bool CDuration::SetResolution(resolution_t resolution) {
-    resolution_t value = ValidateResolution(resolution);
-    if (mResolution == value) return false;
-    mResolution = value;
-    TrickleDownResolutionChange();
-    Notify(kNotifyResolutionChanged, 0, 0);
-    return true;
+    return detail::StoreIfChanged(*this, mResolution, ValidateResolution(resolution), mResolution,
+                                  &CDuration::TrickleDownResolutionChange,
+                                  kNotifyResolutionChanged);
 }
 
 bool CDuration::SetDropType(drop_nondrop_t dropType) {
-    drop_nondrop_t value = ValidateDropType(dropType);
-    if (mDropType == value) return false;
-    mDropType = value;
-    TrickleDownDropTypeChange();
-    Notify(kNotifyDropTypeChanged, 0, 0);
-    return true;
+    return detail::StoreIfChanged(*this, mDropType, ValidateDropType(dropType), mDropType,
+                                  &CDuration::TrickleDownDropTypeChange, kNotifyDropTypeChanged);
 }
 
 bool CDuration::SetStartTime(const CTimecode& start) {
     CTimecode argument(start);
-    CTimecode value = ValidateStartTime(argument);
-    if (!(mStartTime != value)) return false;
-    mStartTime = value;
-    TrickleDownStartTimeChange();
-    Notify(kNotifyStartTimeChanged, 0, 0);
-    return true;
+    return detail::StoreIfChanged(*this, mStartTime, ValidateStartTime(argument), mStartTime,
+                                  &CDuration::TrickleDownStartTimeChange, kNotifyStartTimeChanged);
 }
 
 bool CDuration::SetDuration(const CTimecode& duration) {
     CTimecode argument(duration);
-    CTimecode value = ValidateDuration(argument);
-    if (!(mDuration != value)) return false;
-    mDuration = value;
-    TrickleDownDurationChange();
-    Notify(kNotifyDurationChanged, 0, 0);
-    return true;
+    return detail::StoreIfChanged(*this, mDuration, ValidateDuration(argument), mDuration,
+                                  &CDuration::TrickleDownDurationChange, kNotifyDurationChanged);
 }
 
 bool CDuration::SetEndTime(const CTimecode& end) {
@@ -107,14 +86,6 @@ CTimecode CDuration::GetEndTimeUI() const {
 CTimecode CDuration::GetDurationUI() const {
     if (mDropType != kDrop) return GetDuration();
     return GetEndTimeUI() + OneFrame(mStartTime.GetFrameType()) - GetStartTimeUI();
-}
-
-CDuration& CDuration::operator=(const CDuration& other) {
-    mResolution = other.mResolution;
-    mDropType = other.mDropType;
-    mStartTime = other.mStartTime;
-    mDuration = other.mDuration;
-    return *this;
 }
 
 bool CDuration::operator==(const CDuration& other) const {

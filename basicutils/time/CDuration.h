@@ -35,8 +35,11 @@ namespace basicutils {
 class BASICUTILS_EXPORT CDuration : public LNotifier {
   public:
     CDuration();
-    CDuration(const CDuration& other);
-    virtual ~CDuration();
+    // A copy takes every field and, like every copy of a broadcaster, the
+    // broadcasting switch (of the duration and of its two timecodes), but no
+    // listener.
+    CDuration(const CDuration& other) = default;
+    virtual ~CDuration() = default;
 
     virtual bool SetResolution(resolution_t resolution);
     virtual bool SetDropType(drop_nondrop_t dropType);
@@ -71,8 +74,9 @@ class BASICUTILS_EXPORT CDuration : public LNotifier {
     int32_t GetTotalFrame() const { return mDuration.GetTotalFrame() - 1; }
 
     // Copies the standard and drop type, then assigns the two timecodes
-    // (which notify by themselves); the duration itself sends nothing.
-    CDuration& operator=(const CDuration& other);
+    // (which notify by themselves); the duration itself sends nothing, and
+    // its listeners and broadcasting switch stay its own.
+    CDuration& operator=(const CDuration& other) = default;
     bool operator==(const CDuration& other) const;
     bool operator!=(const CDuration& other) const { return !(*this == other); }
 

@@ -121,26 +121,16 @@ TEST(CDuration, DropFrameViews) {
 }
 
 TEST(CDuration, OverlapIsTheSharedStretch) {
-    struct Case {
-        CTimecode startA, lengthA, startB, lengthB;
-        bool meets;
-        const char *from, *to;
-    } cases[] = {
-        // the other starts inside
-        {T(0, 0, 10, 0), T(0, 0, 10, 0), T(0, 0, 15, 0), T(0, 0, 10, 0), true, "00:00:15:00@30",
-         "00:00:19:29@30"},
-        {T(0, 0, 10, 0), T(0, 0, 10, 0), T(0, 0, 12, 0), T(0, 0, 2, 0), true, "00:00:12:00@30",
-         "00:00:13:29@30"},
-        // the other ends inside: this start to its end
-        {T(0, 0, 10, 0), T(0, 0, 10, 0), T(0, 0, 5, 0), T(0, 0, 10, 0), true, "00:00:10:00@30",
-         "00:00:14:29@30"},
-        // the other encloses this one
-        {T(0, 0, 10, 0), T(0, 0, 2, 0), T(0, 0, 5, 0), T(0, 0, 30, 0), true, "00:00:10:00@30",
-         "00:00:11:29@30"},
-        // the other begins on the frame behind this end
-        {T(0, 0, 10, 0), T(0, 0, 10, 0), T(0, 0, 20, 0), T(0, 0, 1, 0), false, "", ""},
+    // clang-format off
+    struct Case { CTimecode startA, lengthA, startB, lengthB; bool meets; const char *from, *to; } cases[] = {
+        {T(0, 0, 10, 0), T(0, 0, 10, 0), T(0, 0, 15, 0), T(0, 0, 10, 0), true, "00:00:15:00@30", "00:00:19:29@30"},  // starts inside
+        {T(0, 0, 10, 0), T(0, 0, 10, 0), T(0, 0, 12, 0), T(0, 0, 2, 0), true, "00:00:12:00@30", "00:00:13:29@30"},
+        {T(0, 0, 10, 0), T(0, 0, 10, 0), T(0, 0, 5, 0), T(0, 0, 10, 0), true, "00:00:10:00@30", "00:00:14:29@30"},   // ends inside
+        {T(0, 0, 10, 0), T(0, 0, 2, 0), T(0, 0, 5, 0), T(0, 0, 30, 0), true, "00:00:10:00@30", "00:00:11:29@30"},    // encloses
+        {T(0, 0, 10, 0), T(0, 0, 10, 0), T(0, 0, 20, 0), T(0, 0, 1, 0), false, "", ""},  // begins behind the end
         {T(0, 0, 10, 0), T(0, 0, 10, 0), T(0, 0, 1, 0), T(0, 0, 9, 0), false, "", ""},
     };
+    // clang-format on
     for (const Case& c : cases) {
         CDuration a = Stretch(c.startA, c.lengthA), b = Stretch(c.startB, c.lengthB);
         CDuration result = Stretch(T(1, 0, 0, 0), T(0, 0, 0, 7));
@@ -155,19 +145,23 @@ TEST(CDuration, OverlapIsTheSharedStretch) {
     }
 }
 
+// A copy is a copy of every part, the broadcasting switch included; an
+// assignment leaves the target's switch and listeners as they were.
 TEST(CDuration, CopyAndAssignmentCarryEverythingButListeners) {
     CDuration a = Stretch(T(0, 0, 3, 0), T(0, 0, 4, 0));
     a.SetDropType(kDrop);
     a.SetResolution(kResolutionPAL);
+    a.StopBroadcasting();
     CDuration b;
     Recorder r;
     r.watched = &b;
     b.AddResponder(&r);
     b = a;
-    EXPECT_TRUE(b == a);
+    EXPECT_TRUE(b == a && b.IsBroadcasting());
     EXPECT_TRUE(r.log.empty());  // the duration itself sends nothing
     CDuration c(a);
     EXPECT_TRUE(c == a);
+    EXPECT_FALSE(c.IsBroadcasting());
 }
 
 }  // namespace

@@ -21,47 +21,63 @@
 
 namespace basicutils {
 
-class BASICUTILS_EXPORT CTimecodeList {
+namespace detail {
+
+// What both lists are: a CVoidList of heap copies that the list owns.
+template <class T>
+class OwningList {
   public:
-    CTimecodeList();
-    ~CTimecodeList();
-    CTimecodeList(const CTimecodeList&) = delete;
-    CTimecodeList& operator=(CTimecodeList& other);
+    OwningList() : mList(new CVoidList) {}
+    ~OwningList() {
+        DeleteAll();
+        delete mList;
+    }
+    OwningList(const OwningList&) = delete;
+    OwningList& operator=(const OwningList&) = delete;
 
     // Appends a copy; the new node becomes current.
-    void Add(const CTimecode& value);
-    void DeleteAll();
+    void Add(const T& value) { mList->AddList(new T(value)); }
+    void DeleteAll() {
+        while (T* element = GetHead()) {
+            delete element;
+            mList->DeleteList();
+        }
+    }
     int GetSize() const { return mList->GetCount(); }
 
-    CTimecode* GetHead() { return static_cast<CTimecode*>(mList->GetHead()); }
-    CTimecode* GetNext() { return static_cast<CTimecode*>(mList->GetNext()); }
-    CTimecode* GetTail() { return static_cast<CTimecode*>(mList->GetTail()); }
-
-    void Change2PAL();
+    T* GetHead() { return static_cast<T*>(mList->GetHead()); }
+    T* GetNext() { return static_cast<T*>(mList->GetNext()); }
+    T* GetTail() { return static_cast<T*>(mList->GetTail()); }
 
   protected:
+    // Replaces the elements by copies of those of `other`, walking its cursor.
+    void CopyFrom(OwningList& other) {
+        if (this == &other) return;
+        DeleteAll();
+        for (T* element = other.GetHead(); element; element = other.GetNext()) Add(*element);
+    }
+
     CVoidList* mList;
 };
 
-class BASICUTILS_EXPORT CDurationList {
+}  // namespace detail
+
+class BASICUTILS_EXPORT CTimecodeList : public detail::OwningList<CTimecode> {
   public:
-    CDurationList();
-    ~CDurationList();
-    CDurationList(const CDurationList&) = delete;
-    CDurationList& operator=(CDurationList& other);
-
-    void Add(const CDuration& value);
-    void DeleteAll();
-    int GetSize() const { return mList->GetCount(); }
-
-    CDuration* GetHead() { return static_cast<CDuration*>(mList->GetHead()); }
-    CDuration* GetNext() { return static_cast<CDuration*>(mList->GetNext()); }
-    CDuration* GetTail() { return static_cast<CDuration*>(mList->GetTail()); }
-
+    CTimecodeList& operator=(CTimecodeList& other) {
+        CopyFrom(other);
+        return *this;
+    }
     void Change2PAL();
+};
 
-  protected:
-    CVoidList* mList;
+class BASICUTILS_EXPORT CDurationList : public detail::OwningList<CDuration> {
+  public:
+    CDurationList& operator=(CDurationList& other) {
+        CopyFrom(other);
+        return *this;
+    }
+    void Change2PAL();
 };
 
 }  // namespace basicutils

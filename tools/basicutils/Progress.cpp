@@ -41,6 +41,7 @@ bool ProgressDisplay::ListenToMessage(int32_t message, void* param) {
             mPosition = mRange = 0;
             mStatus.clear();
             mLastDrawn.clear();
+            mLastTenth = -1;
             return true;
         }
         case kMsgThreadStatus: {
@@ -59,16 +60,6 @@ bool ProgressDisplay::ListenToMessage(int32_t message, void* param) {
         default:
             return false;
     }
-}
-
-std::string ProgressDisplay::Line() {
-    std::lock_guard<std::mutex> g(mLock);
-    return LineLocked();
-}
-
-int ProgressDisplay::Redraws() {
-    std::lock_guard<std::mutex> g(mLock);
-    return mRedraws;
 }
 
 std::string ProgressDisplay::LineLocked() const {
@@ -96,18 +87,36 @@ std::string ProgressDisplay::LineLocked() const {
 void ProgressDisplay::DrawLocked(bool finish) {
     if (!mOut) return;
     std::string line = LineLocked();
-    if (line != mLastDrawn) {
-        // On a terminal the line is redrawn in place; elsewhere a new line is
-        // written only when the percentage or the text changed.
-        if (mTerminal)
+    if (mTerminal) {
+        if (line != mLastDrawn) {
             std::fprintf(mOut, "\r\033[K%s", line.c_str());
-        else
+            mLastDrawn = line;
+            mLineOpen = true;
+        }
+        if (finish && mLineOpen) {
+            std::fprintf(mOut, "\n");
+            mLineOpen = false;
+        }
+    } else {
+        // A line at each tenth of a known range, and the last one at the end.
+        const int64_t position = mPosition < 0 ? 0 : mPosition > mRange ? mRange : mPosition;
+        const int tenth = mRange > 0 ? static_cast<int>(position * 10 / mRange) : -1;
+        if (line != mLastDrawn && ((tenth >= 0 && tenth != mLastTenth) || (finish && mRange > 0))) {
             std::fprintf(mOut, "%s\n", line.c_str());
-        mLastDrawn = line;
-        ++mRedraws;
+            mLastDrawn = line;
+            mLastTenth = tenth;
+        }
     }
-    if (finish && mTerminal) std::fprintf(mOut, "\n");
     std::fflush(mOut);
+}
+
+void ProgressDisplay::BreakLine() {
+    std::lock_guard<std::mutex> g(mLock);
+    if (!mLineOpen) return;
+    std::fprintf(mOut, "\n");
+    std::fflush(mOut);
+    mLineOpen = false;
+    mLastDrawn.clear();
 }
 
 ReportPrinter::~ReportPrinter() {
@@ -127,6 +136,7 @@ bool ReportPrinter::ListenToMessage(int32_t message, void* param) {
     const int kind = (message - kMsgMessageActionFirst) % 10;
     const std::string text = info->mText ? ToUtf8(info->mText) : std::string();
     std::lock_guard<std::mutex> g(mLock);
+    if (mProgress && kind != 3) mProgress->BreakLine();
     switch (kind) {
         case 0:
             std::fprintf(mErr, "basicutils: error: %s\n", text.c_str());

@@ -4,9 +4,11 @@
 // status and description) and to CThreadAction (tasks that come and go) and
 // keeps one line up to date:
 //     Checksum [##########----------]  50% 512/1024 reading block 512
-// It redraws in place on a terminal and only when the line changed; at a
-// task's end it finishes the line. Progress arrives on worker threads, so
-// the state and the drawing are under one lock.
+// On a terminal it redraws in place when the line changed, and ends the line
+// before anything else is printed (BreakLine) and at a task's end. Elsewhere
+// (a pipe, a log file) it writes a line only at each tenth of the range, so a
+// long task leaves a dozen lines, not one per step. Progress arrives on
+// worker threads, so the state and the drawing are under one lock.
 //
 // ReportPrinter prints what CMessageAction reports: errors and warnings to
 // stderr ("basicutils: error: ..."), information and plain output to stdout.
@@ -32,9 +34,9 @@ class ProgressDisplay : public basicutils::LListener {
     void Attach();
     void Detach();
     bool ListenToMessage(int32_t message, void* param) override;
-    // The line as it would be drawn now.
-    std::string Line();
-    int Redraws();
+    // Ends a half-drawn terminal line, so that other output starts on a line
+    // of its own; the next progress starts a new line.
+    void BreakLine();
 
   private:
     std::string LineLocked() const;
@@ -49,12 +51,15 @@ class ProgressDisplay : public basicutils::LListener {
     std::string mStatus;
     std::string mDescription;
     std::string mLastDrawn;
-    int mRedraws = 0;
+    int mLastTenth = -1;     // elsewhere than a terminal: the tenth last written
+    bool mLineOpen = false;  // on a terminal: a line is drawn without its end
 };
 
 class ReportPrinter : public basicutils::LListener {
   public:
-    ReportPrinter(std::FILE* out, std::FILE* err) : mOut(out), mErr(err) {}
+    // `progress`, if given, ends its line before each report is printed.
+    ReportPrinter(std::FILE* out, std::FILE* err, ProgressDisplay* progress = nullptr)
+        : mOut(out), mErr(err), mProgress(progress) {}
     ~ReportPrinter() override;
     void Attach();
     void Detach();
@@ -64,6 +69,7 @@ class ReportPrinter : public basicutils::LListener {
     std::mutex mLock;
     std::FILE* mOut;
     std::FILE* mErr;
+    ProgressDisplay* mProgress;
 };
 
 }  // namespace basicutils_tool

@@ -69,7 +69,7 @@ class ChecksumTask : public CVelmorantThread {
 int RunTaskExample(int megabytes) {
     CThreadDispatcher::GetThreadDispatcher();  // on the main thread, before any task ends
     ProgressDisplay progress(stderr);
-    ReportPrinter reports(stdout, stderr);
+    ReportPrinter reports(stdout, stderr, &progress);
     progress.Attach();
     reports.Attach();
 

@@ -27,11 +27,6 @@ using basicutils::CTimecode;
 using basicutils::CTimecodeParser;
 using basicutils::MString;
 
-const char* const kUsage =
-    "timecode: usage: basicutils timecode parse TEXT [--keep] [--rate R] | read TEXT [--rate R]"
-    " | drop|nondrop TC [--start TC] | end START LENGTH [--drop] | length START END [--drop]"
-    " | overlap START LENGTH START LENGTH | pal TC...";
-
 // A stretch at the options' standard and drop type; with no length text it
 // is one frame long.
 CDuration Stretch(const TimecodeOptions& o, const std::string& start, const std::string* length) {
@@ -75,7 +70,7 @@ int RunTextAction(const TimecodeOptions& o) {
     const std::string& action = o.positional[0];
     size_t n = o.positional.size() - 1;
     int status = 0;
-    auto need = [&](bool ok) { return ok ? 0 : UsageError(kUsage); };
+    auto need = [&](bool ok) { return ok ? 0 : ActionUsageError(action); };
 
     if (action == "parse") {
         if ((status = need(n == 1))) return status;

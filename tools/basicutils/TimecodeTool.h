@@ -22,10 +22,24 @@ struct TimecodeOptions {
 // sets `status`.
 bool ParseTimecodeOptions(const Args& args, TimecodeOptions& options, int& status);
 
+// The operands of an action ("frames TC [--rate R]"), or null when there is
+// no such action; and the usage error that shows them.
+const char* ActionUsage(const std::string& action);
+int ActionUsageError(const std::string& action);
+
 // The library's reading of `text` (from the left, as CTimecode::SetTime
 // reads it) at `rate`. Bad text is not refused: it gets the library's answer,
-// and a note on stderr says what was read whenever that is not what was typed.
+// and a note on stderr says what was read whenever that is not what was typed,
+// and when its frame count passes the library's 32 bits.
 basicutils::CTimecode ReadTimecode(const std::string& text, double rate);
+
+// The library counts frames in 32 bits and labels a count through 16-bit
+// minutes, so 1092:15:59 is the last time arithmetic can give; beyond either
+// limit its answer wraps, which is its contract. WideCount is the 1-based
+// count before it is kept to 32 bits; NoteIfWrapped prints a note on stderr
+// when a result of `count` frames at `rate` passes a limit.
+int64_t WideCount(const basicutils::CTimecode& tc);
+void NoteIfWrapped(int64_t count, double rate);
 
 // The written form (HH:MM:SS:FF, ;FF at 25 frames a second) and the rate,
 // as "01:00:00:00 @30".

@@ -2,7 +2,8 @@
 //
 //   basicutils                 runs the built-in example
 //   basicutils --help          lists the subcommands
-//   basicutils help NAME       the usage of one subcommand
+//   basicutils --version       the version of the tool and library
+//   basicutils help NAME       the usage of one subcommand (help help: of help)
 //   basicutils NAME ARGS...    runs a subcommand
 #include <cerrno>
 #include <cmath>
@@ -35,7 +36,11 @@ const Command kCommands[] = {
      "  overlap START LENGTH START LENGTH   the stretch two have in common\n"
      "  pal TC...                relabel NTSC timecodes at 25 fps\n"
      "TC is HH:MM:SS:FF (;FF at 25 fps), read by the library from the left. Bad text is\n"
-     "not refused: the library reads it as 0 and clamps, and the tool says what it read.",
+     "not refused: the library reads it as 0 and clamps, and the tool says what it read.\n"
+     "limits: each field holds 16 bits (hours up to 65535), a frame count 32 bits (up to\n"
+     "2147483647, 19884:05:11:16 at 30 fps), and arithmetic labels its answer through\n"
+     "16-bit minutes (1092:15:59 at most). Past a limit the library's answer wraps; that\n"
+     "is its contract, and the tool prints a note.",
      RunTimecode},
     {"bits", nullptr, "bit fields of a file at bit positions, MSB first",
      "usage: basicutils bits FILE POS:WIDTH...\n"
@@ -102,6 +107,7 @@ void PrintHelp() {
         "basicutils: a command-line tool over the BasicUtils library\n\n"
         "usage: basicutils                 run the built-in example\n"
         "       basicutils --help          this list\n"
+        "       basicutils --version       the version\n"
         "       basicutils help COMMAND    the usage of one command\n"
         "       basicutils COMMAND ARGS... run a command\n\ncommands:\n");
     for (const Command* c = kCommands; c->name; ++c)
@@ -119,9 +125,19 @@ int main(int argc, char** argv) {
         PrintHelp();
         return 0;
     }
+    if (first == "--version" || first == "-V") {
+        std::printf("basicutils %s\n", BASICUTILS_VERSION);
+        return 0;
+    }
     if (first == "help") {
         if (argc < 3) {
             PrintHelp();
+            return 0;
+        }
+        if (std::string(argv[2]) == "help") {
+            std::printf(
+                "usage: basicutils help COMMAND\n  the usage of COMMAND; basicutils "
+                "--help lists the commands\n");
             return 0;
         }
         const Command* c = Find(argv[2]);

@@ -58,8 +58,4 @@ BASICUTILS_EXPORT int SuspendSignal();
 // is not a thread). For tests.
 BASICUTILS_EXPORT bool WaitForThreadStop(HANDLE thread, DWORD milliseconds);
 
-// Makes the next `count` thread creations fail as if the system had no
-// resources left; for tests of the callers' failure paths.
-BASICUTILS_EXPORT void FailThreadCreations(int count);
-
 }  // namespace basicutils::detail

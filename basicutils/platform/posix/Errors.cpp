@@ -20,19 +20,21 @@ struct ErrnoEntry {
 };
 
 // errno on the left, the number a Windows caller would have seen for the same
-// cause on the right.
+// cause on the right. EINTR has no row: every call of the layer retries it, so
+// it never reaches a caller. EAGAIN is a resource that is short for now, never
+// a transfer under way (ERROR_IO_PENDING would send a caller to wait for a
+// completion that never comes).
 constexpr ErrnoEntry kErrnoTable[] = {
     {EPERM, ERROR_ACCESS_DENIED},
     {ENOENT, ERROR_FILE_NOT_FOUND},
     {ESRCH, ERROR_NOT_FOUND},
-    {EINTR, ERROR_OPERATION_ABORTED},
     {EIO, ERROR_IO_DEVICE},
     {ENXIO, ERROR_FILE_NOT_FOUND},
     {E2BIG, ERROR_INVALID_PARAMETER},
     {ENOEXEC, ERROR_BAD_EXE_FORMAT},
     {EBADF, ERROR_INVALID_HANDLE},
     {ECHILD, ERROR_NOT_FOUND},
-    {EAGAIN, ERROR_IO_PENDING},
+    {EAGAIN, ERROR_NOT_ENOUGH_QUOTA},
     {ENOMEM, ERROR_NOT_ENOUGH_MEMORY},
     {EACCES, ERROR_ACCESS_DENIED},
     {EFAULT, ERROR_NOACCESS},
@@ -124,6 +126,7 @@ constexpr MessageEntry kMessages[] = {
     {ERROR_TOO_MANY_POSTS, "Too many posts were made to a semaphore."},
     {ERROR_MR_MID_NOT_FOUND,
      "The system cannot find message text for message number in the message file."},
+    {ERROR_INVALID_ADDRESS, "Attempt to access invalid address."},
     {ERROR_OPERATION_ABORTED,
      "The I/O operation has been aborted because of either a thread exit or an application "
      "request."},
@@ -133,6 +136,7 @@ constexpr MessageEntry kMessages[] = {
     {ERROR_INVALID_FLAGS, "Invalid flags."},
     {ERROR_NO_UNICODE_TRANSLATION,
      "No mapping for the Unicode character exists in the target multi-byte code page."},
+    {ERROR_NOT_ENOUGH_QUOTA, "Not enough quota is available to process this command."},
     {ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
     {ERROR_TOO_MANY_LINKS,
      "An attempt was made to create more links on a file than the file "
@@ -141,7 +145,6 @@ constexpr MessageEntry kMessages[] = {
     {ERROR_TIMEOUT, "This operation returned because the timeout period expired."},
     {ERROR_INVALID_WINDOW_HANDLE, "Invalid window handle."},
     {ERROR_INVALID_THREAD_ID, "Invalid thread identifier."},
-    {ERROR_NOT_ENOUGH_QUOTA, "Not enough quota is available to process this command."},
     {ERROR_CANT_RESOLVE_FILENAME, "The name of the file cannot be resolved by the system."},
 };
 

@@ -5,6 +5,7 @@
 // are pointer arithmetic plus a check of the tag.
 
 #include <basicutils/platform/GlobalMemory.h>
+#include <basicutils/platform/internal/GlobalSize.h>
 
 #include <cstdlib>
 #include <cstring>

@@ -1,9 +1,12 @@
 // Per-thread state: registry, message queue, call queue and wake-ups.
+#include <basicutils/platform/Errors.h>
+#include <basicutils/platform/internal/Env.h>
 #include <basicutils/platform/posix/ThreadState.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <unordered_map>
 
@@ -40,7 +43,7 @@ thread_local StateHolder tHolder;
 }  // namespace
 
 ThreadState::~ThreadState() {
-    if (mFd >= 0) ::close(mFd);
+    if (mFd >= 0) CurrentEnv().Close(mFd);
 }
 
 void ThreadState::Wake() {
@@ -78,6 +81,9 @@ bool ThreadState::PumpableLocked() const {
     return !mMessages.empty();
 }
 
+// The counter's 8-byte read and write go straight to the kernel: they can't
+// come back short, and through the seam a test's rule for "the N-th write"
+// would land on whichever thread happened to post.
 void ThreadState::SyncFdLocked() {
     if (mFd < 0) return;
     bool want = PumpableLocked();
@@ -189,11 +195,6 @@ std::vector<MSG> ThreadState::TakeWindowMessages(HWND window) {
     return taken;
 }
 
-bool ThreadState::HasApcs() {
-    Guard g(mLock);
-    return !mApcs.empty();
-}
-
 bool ThreadState::RunApcs() {
     std::deque<std::pair<PAPCFUNC, ULONG_PTR>> calls;
     {
@@ -207,7 +208,8 @@ bool ThreadState::RunApcs() {
 int ThreadState::Fd() {
     Guard g(mLock);
     if (mFd < 0) {
-        mFd = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+        mFd = CurrentEnv().Eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+        if (mFd < 0) SetLastErrorFromErrno(errno);
         mFdArmed = false;
         SyncFdLocked();
     }

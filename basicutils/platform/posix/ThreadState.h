@@ -65,7 +65,6 @@ class ThreadState {
     uint64_t WakeCount();
     // Waits until the wake counter differs from `seen` or the deadline passes.
     bool WaitForWake(uint64_t seen, bool infinite, std::chrono::steady_clock::time_point deadline);
-    bool HasApcs();
 
   private:
     using Guard = LibraryLock<std::mutex>;

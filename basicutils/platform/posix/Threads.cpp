@@ -4,6 +4,7 @@
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
+#include <basicutils/platform/internal/Env.h>
 #include <basicutils/platform/internal/KernelObject.h>
 #include <basicutils/platform/internal/Suspension.h>
 #include <basicutils/platform/posix/Suspension.h>
@@ -23,7 +24,6 @@ namespace basicutils {
 namespace detail {
 namespace {
 
-std::atomic<int> gFailCreations{0};
 std::atomic<DWORD> gMainThreadId{0};
 
 class ThreadRecord final : public KernelObject {
@@ -73,9 +73,10 @@ class ThreadRecord final : public KernelObject {
             pthread_attr_setstacksize(&attr, std::max<size_t>(stackSize, PTHREAD_STACK_MIN));
         AddRef();
         pthread_t native;
-        int rc = pthread_create(&native, &attr, &Entry, this);
+        const int rc = CurrentEnv().ThreadCreate(&native, &attr, &Entry, this);
         pthread_attr_destroy(&attr);
         if (rc != 0) {
+            SetLastErrorFromErrno(rc);
             mState->Retire();
             Release();
             return false;
@@ -149,10 +150,6 @@ const bool gMainThreadRecorded = [] {
 
 }  // namespace
 
-void FailThreadCreations(int count) {
-    gFailCreations.store(count);
-}
-
 bool WaitForThreadStop(HANDLE thread, DWORD milliseconds) {
     ObjectRef ref(KernelObject::Acquire(thread));
     auto* record = AsThread(ref.get());
@@ -174,10 +171,6 @@ using detail::ObjectRef;
 HANDLE CreateThread(void*, size_t stackSize, LPTHREAD_START_ROUTINE routine, void* parameter,
                     DWORD flags, DWORD* threadId) {
     if (!routine) return nullptr;
-    int failures = detail::gFailCreations.load();
-    while (failures > 0 && !detail::gFailCreations.compare_exchange_weak(failures, failures - 1)) {
-    }
-    if (failures > 0) return nullptr;
     detail::InstallSuspendHandler();
     auto* record = new detail::ThreadRecord(routine, parameter, (flags & CREATE_SUSPENDED) != 0);
     if (!record->Launch(stackSize)) {
