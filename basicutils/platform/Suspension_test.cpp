@@ -188,41 +188,44 @@ TEST(Suspension, MaskOfTheCreatorAndForeignHandlersDoNotGetInTheWay) {
     });
 }
 
-// A thread that suspends itself while it holds a critical section goes on
-// until it leaves the section, and stops there; one whose routine ends first
-// simply ends.
-TEST(Suspension, AThreadStopsOnlyOnceItLeavesTheLibrarysLocks) {
+// A thread that suspends itself stops before SuspendThread returns; one that
+// holds a critical section goes on until it leaves the section, and stops
+// there; one whose routine ends first, the section still held, just ends.
+TEST(Suspension, ASelfSuspendedThreadStopsOnceOutsideTheLibrarysLocks) {
     struct Holder {
         CCriticalSection section;
         HANDLE self = nullptr;
-        bool leave = true;
+        bool lock = false, leave = false;
         std::atomic<int> stage{0};
         static DWORD Run(void* p) {
             auto* h = static_cast<Holder*>(p);
-            WaitUntil([&] { return h->self != nullptr; });
-            h->section.Lock();
+            if (h->lock) h->section.Lock();
             SuspendThread(h->self);
-            h->stage = 1;  // not stopped yet: the section is held
-            if (h->leave) h->section.Unlock();
+            h->stage = 1;
+            if (h->lock && h->leave) h->section.Unlock();
             h->stage = 2;
             return 0;
         }
     };
-    for (bool leave : {true, false}) {
+    struct Case {
+        bool lock, leave;
+        int stopsAtStage;  // -1: never stops
+    } cases[] = {{false, false, 0}, {true, true, 1}, {true, false, -1}};
+    for (const Case& c : cases) {
         Holder holder;
-        holder.leave = leave;
+        holder.lock = c.lock;
+        holder.leave = c.leave;
         HANDLE h = CreateThread(nullptr, 0, &Holder::Run, &holder, CREATE_SUSPENDED, nullptr);
         holder.self = h;
         ResumeThread(h);
-        ASSERT_TRUE(WaitUntil([&] { return holder.stage.load() >= 1; }));
-        if (leave) {
-            ASSERT_TRUE(detail::WaitForThreadStop(h, kStopLimitMs));
-            EXPECT_EQ(holder.stage.load(), 1) << "stopped where it left the section";
-            EXPECT_TRUE(holder.section.Lock(0)) << "and it left it free";
+        if (c.stopsAtStage >= 0) {
+            ASSERT_TRUE(detail::WaitForThreadStop(h, kStopLimitMs)) << c.lock;
+            EXPECT_EQ(holder.stage.load(), c.stopsAtStage);
+            EXPECT_TRUE(holder.section.Lock(0)) << "stopped with the section free";
             holder.section.Unlock();
             EXPECT_EQ(ResumeThread(h), 1u);
         }
-        EXPECT_EQ(WaitForSingleObject(h, kStopLimitMs), WAIT_OBJECT_0) << leave;
+        EXPECT_EQ(WaitForSingleObject(h, kStopLimitMs), WAIT_OBJECT_0);
         EXPECT_EQ(holder.stage.load(), 2);
         CloseHandle(h);
     }

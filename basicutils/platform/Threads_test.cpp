@@ -86,30 +86,6 @@ TEST(Threads, SuspendStopsARunningThreadUntilEveryResume) {
     CloseHandle(h);
 }
 
-TEST(Threads, ThreadCanSuspendItself) {
-    struct Self {
-        HANDLE handle = nullptr;
-        std::atomic<bool> ready{false}, resumed{false};
-        static DWORD Run(void* p) {
-            auto* self = static_cast<Self*>(p);
-            WaitUntil([&] { return self->ready.load(); });
-            SuspendThread(self->handle);
-            self->resumed = true;
-            return 0;
-        }
-    } self;
-    self.handle = CreateThread(nullptr, 0, &Self::Run, &self, 0, nullptr);
-    self.ready = true;
-    // A thread that suspends itself outside any lock stops before the call
-    // returns.
-    ASSERT_TRUE(detail::WaitForThreadStop(self.handle, 20000));
-    EXPECT_FALSE(self.resumed);
-    EXPECT_EQ(ResumeThread(self.handle), 1u);
-    EXPECT_EQ(WaitForSingleObject(self.handle, 20000), WAIT_OBJECT_0);
-    EXPECT_TRUE(self.resumed);
-    CloseHandle(self.handle);
-}
-
 TEST(Threads, IdentitiesAndTheMainThread) {
     const DWORD mine = GetCurrentThreadId();
     EXPECT_NE(mine, 0u);
