@@ -76,9 +76,11 @@ inline constexpr uint32_t ERROR_NO_UNICODE_TRANSLATION = 1113;
 inline constexpr uint32_t ERROR_IO_DEVICE = 1117;
 inline constexpr uint32_t ERROR_TOO_MANY_LINKS = 1142;
 inline constexpr uint32_t ERROR_NOT_FOUND = 1168;
+inline constexpr uint32_t ERROR_INVALID_WINDOW_HANDLE = 1400;
+inline constexpr uint32_t ERROR_INVALID_THREAD_ID = 1444;
+inline constexpr uint32_t ERROR_TIMEOUT = 1460;
 inline constexpr uint32_t ERROR_NOT_ENOUGH_QUOTA = 1816;
 inline constexpr uint32_t ERROR_CANT_RESOLVE_FILENAME = 1921;
-inline constexpr uint32_t ERROR_TIMEOUT = 1460;
 
 // The per-thread last error. A fresh thread starts with ERROR_SUCCESS.
 BASICUTILS_EXPORT uint32_t GetLastError();

@@ -7,7 +7,9 @@
 //   - thread messages, posted with PostThreadMessageW to a thread ID, with no
 //     window: the thread's own loop (CWinThread) decides what they mean.
 // Posting is safe from any thread and returns at once. Handlers always run
-// on the thread that owns the queue, when that thread pumps.
+// on the thread that owns the queue, when that thread pumps. A queue holds
+// at most 10,000 messages: a post to a full queue fails with
+// ERROR_NOT_ENOUGH_QUOTA, as on the system this imitates.
 //
 // Hosting the library in an application's own loop. The main thread must
 // pump for background tasks to end. An application without a loop of this
@@ -15,21 +17,28 @@
 //   - call PumpMessages(waitMs) from its loop: it handles every message that
 //     waits (waiting up to waitMs for the first) and returns their number;
 //   - or watch GetMessageQueueFd() with poll, epoll or a GLib/Qt watcher: the
-//     descriptor is readable exactly while messages wait; call
-//     PumpMessages(0) when it is.
-// A WM_QUIT is left for GetMessageW: PumpMessages never consumes it.
+//     descriptor is readable exactly while PumpMessages has something to do;
+//     call PumpMessages(0) when it is.
+// A WM_QUIT is left for GetMessageW (or PeekMessageW): PumpMessages never
+// consumes it. It stops at the quit, and from then on the quit alone no
+// longer makes the descriptor readable: a loop that sees PumpMessages stop
+// checks for WM_QUIT with PeekMessageW.
 //
 // A window belongs to the thread that created it. Messages still queued for
 // a window that has been destroyed are dropped when they come up; posting to
-// it fails.
+// it fails with ERROR_INVALID_WINDOW_HANDLE. DestroyWindow may be called on
+// any thread: called elsewhere while the owner runs the window's WindowProc,
+// it waits for that call to return, so that the window can be freed as soon
+// as DestroyWindow returns. (A WindowProc must therefore not wait for a thread
+// that is destroying its window.)
 #pragma once
 
 #include <basicutils/Export.h>
 #include <basicutils/platform/Handles.h>
 #include <basicutils/platform/RuntimeClass.h>
 
+#include <atomic>
 #include <cstdint>
-#include <vector>
 
 namespace basicutils {
 
@@ -59,12 +68,14 @@ struct RECT {
     int32_t left, top, right, bottom;
 };
 
-// FALSE when the window does not exist (or the thread has ended).
+// FALSE when the window does not exist, its thread has ended or its queue is
+// full; GetLastError tells which.
 BASICUTILS_EXPORT BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 BASICUTILS_EXPORT BOOL PostThreadMessageW(DWORD threadId, UINT message, WPARAM wParam,
                                           LPARAM lParam);
 // Asks the calling thread's loop to end: GetMessageW returns 0 with this
-// exit code once the messages posted before it are handled.
+// exit code once no other message waits (as on the system this imitates,
+// messages posted after the quit still come first).
 BASICUTILS_EXPORT void PostQuitMessage(int exitCode);
 
 // Waits for a message of the calling thread. 0 for WM_QUIT, else nonzero.
@@ -80,14 +91,9 @@ BASICUTILS_EXPORT LRESULT DispatchMessageW(const MSG* message);
 // See the top of this file. Returns the number of messages handled.
 BASICUTILS_EXPORT int PumpMessages(DWORD waitMilliseconds = 0);
 // The calling thread's descriptor: readable while messages wait. It belongs
-// to the queue; don't read or close it.
+// to the queue; don't read or close it. -1 (GetLastError says why) when the
+// system gives none; a later call tries again.
 BASICUTILS_EXPORT int GetMessageQueueFd();
-
-namespace detail {
-// Takes the messages still queued for a window out of its owner's queue,
-// oldest first: for a window about to go whose messages must not be lost.
-BASICUTILS_EXPORT std::vector<MSG> TakeWindowMessages(HWND window);
-}  // namespace detail
 
 // A window that is never shown: an address for messages, bound to the
 // thread that created it.
@@ -98,9 +104,10 @@ class BASICUTILS_EXPORT CWnd : public CObject {
     ~CWnd() override;
     // Makes the window on the calling thread. FALSE if it exists already.
     BOOL CreateHidden();
-    // Takes the window away; its queued messages are dropped. Any thread.
+    // Takes the window away; its queued messages are dropped. Any thread:
+    // see the top of this file.
     BOOL DestroyWindow();
-    HWND GetSafeHwnd() const { return m_hWnd; }
+    HWND GetSafeHwnd() const { return m_hWnd.load(); }
     DWORD GetOwnerThreadId() const { return mOwnerThread; }
     BOOL PostMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
     // Called on the owner thread for each message; the message map.
@@ -110,7 +117,7 @@ class BASICUTILS_EXPORT CWnd : public CObject {
     // Called once the window is gone (after DestroyWindow).
     virtual void PostNcDestroy() {}
 
-    HWND m_hWnd;
+    std::atomic<HWND> m_hWnd;  // null once destroyed, by whichever thread
     DWORD mOwnerThread;
 };
 

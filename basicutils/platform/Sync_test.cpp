@@ -1,4 +1,5 @@
 // Events, alertable waits with queued calls, recursive critical sections.
+#include <basicutils/platform/Deadline_test.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
 #include <gtest/gtest.h>
@@ -9,6 +10,9 @@
 
 namespace basicutils {
 namespace {
+
+using testing_support::WaitUntil;
+constexpr DWORD kLimitMs = 20000;
 
 TEST(Sync, ManualAndAutoResetEvents) {
     struct Case {
@@ -34,12 +38,11 @@ TEST(Sync, AutoResetEventReleasesOneWaiterPerSet) {
     std::vector<std::thread> waiters;
     for (int i = 0; i < 4; ++i)
         waiters.emplace_back([&] {
-            WaitForSingleObject(e, INFINITE);
-            passed.fetch_add(1);
+            if (WaitForSingleObject(e, kLimitMs) == WAIT_OBJECT_0) passed.fetch_add(1);
         });
     for (int i = 1; i <= 4; ++i) {
         SetEvent(e);
-        while (passed.load() < i) std::this_thread::yield();
+        EXPECT_TRUE(WaitUntil([&] { return passed.load() >= i; }));
         EXPECT_EQ(passed.load(), i);
     }
     for (auto& t : waiters) t.join();
@@ -65,12 +68,12 @@ TEST(Sync, QueuedCallsRunOnlyInAlertableWaitsOfTheirThread) {
     HANDLE never = CreateEventW(nullptr, 1, 0, nullptr);
     std::thread waiter([&] {
         waiterId = GetCurrentThreadId();
-        while (!queued) std::this_thread::yield();
+        WaitUntil([&] { return queued.load(); });
         nonAlertable = WaitForSingleObjectEx(never, 1, 0);
-        alertable = WaitForSingleObjectEx(never, INFINITE, 1);
+        alertable = WaitForSingleObjectEx(never, kLimitMs, 1);
         afterwards = SleepEx(0, 1);
     });
-    while (!waiterId) std::this_thread::yield();
+    ASSERT_TRUE(WaitUntil([&] { return waiterId.load() != 0; }));
     ASSERT_TRUE(QueueUserAPCToThreadId(&RecordApc, waiterId, reinterpret_cast<ULONG_PTR>(&log)));
     ASSERT_TRUE(QueueUserAPCToThreadId(&RecordApc, waiterId, reinterpret_cast<ULONG_PTR>(&log)));
     queued = true;
@@ -87,14 +90,14 @@ TEST(Sync, QueuedCallsRunOnlyInAlertableWaitsOfTheirThread) {
 TEST(Sync, ThreadHandleWaitIsAJoinAndTakesCalls) {
     struct Worker {
         static DWORD Run(void*) {
-            SleepEx(INFINITE, 1);
+            SleepEx(kLimitMs, 1);
             return 3;
         }
     };
     ApcLog log;
     HANDLE h = CreateThread(nullptr, 0, &Worker::Run, nullptr, 0, nullptr);
     EXPECT_EQ(QueueUserAPC(&RecordApc, h, reinterpret_cast<ULONG_PTR>(&log)), 1u);
-    EXPECT_EQ(WaitForSingleObject(h, INFINITE), WAIT_OBJECT_0);
+    EXPECT_EQ(WaitForSingleObject(h, kLimitMs), WAIT_OBJECT_0);
     EXPECT_EQ(log.calls.load(), 1);
     EXPECT_EQ(log.ranOn.load(), GetThreadId(h));
     CloseHandle(h);

@@ -1,13 +1,20 @@
 // Threads: suspended creation, real suspension, IDs, exit codes, bad handles.
+#include <basicutils/platform/Deadline_test.h>
+#include <basicutils/platform/Errors.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
+#include <basicutils/platform/internal/Suspension.h>
+#include <basicutils/platform/testing/FaultEnv.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 namespace basicutils {
 namespace {
+
+using testing_support::WaitUntil;
 
 struct Spinner {
     std::atomic<bool> stop{false};
@@ -20,9 +27,15 @@ struct Spinner {
         }
         return 7;
     }
-    void WaitForProgress() {
-        uint64_t start = count.load();
-        while (count.load() < start + 100) std::this_thread::yield();
+    bool Progresses() {
+        const uint64_t start = count.load();
+        return WaitUntil([&] { return count.load() >= start + 10; });
+    }
+    // True when the count doesn't move while the caller sleeps a little.
+    bool Frozen() {
+        const uint64_t before = count.load();
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        return count.load() == before;
     }
 };
 
@@ -38,10 +51,10 @@ TEST(Threads, CreatedSuspendedRunsOnlyWhenCountReachesZero) {
     EXPECT_EQ(WaitForSingleObject(h, 0), WAIT_TIMEOUT);
     EXPECT_EQ(s.count.load(), 0u);
     EXPECT_EQ(ResumeThread(h), 1u);
-    s.WaitForProgress();
+    EXPECT_TRUE(s.Progresses());
     EXPECT_EQ(ResumeThread(h), 0u);  // not suspended: nothing to do
     s.stop = true;
-    EXPECT_EQ(WaitForSingleObject(h, INFINITE), WAIT_OBJECT_0);
+    EXPECT_EQ(WaitForSingleObject(h, 20000), WAIT_OBJECT_0);
     DWORD code = 0;
     EXPECT_TRUE(GetExitCodeThread(h, &code));
     EXPECT_EQ(code, 7u);
@@ -53,47 +66,24 @@ TEST(Threads, SuspendStopsARunningThreadUntilEveryResume) {
     Spinner s;
     HANDLE h = CreateThread(nullptr, 0, &Spinner::Run, &s, 0, nullptr);
     ASSERT_NE(h, nullptr);
-    s.WaitForProgress();
+    ASSERT_TRUE(s.Progresses());
     DWORD code = 0;
     GetExitCodeThread(h, &code);
     EXPECT_EQ(code, STILL_ACTIVE);
     for (int round = 0; round < 20; ++round) {
         EXPECT_EQ(SuspendThread(h), 0u);
         EXPECT_EQ(SuspendThread(h), 1u);
-        const uint64_t frozen = s.count.load();
-        for (int i = 0; i < 2000; ++i) std::this_thread::yield();
-        EXPECT_EQ(s.count.load(), frozen);
+        ASSERT_TRUE(detail::WaitForThreadStop(h, 20000)) << "round " << round;
+        EXPECT_TRUE(s.Frozen());
         EXPECT_EQ(ResumeThread(h), 2u);
-        for (int i = 0; i < 2000; ++i) std::this_thread::yield();
-        EXPECT_EQ(s.count.load(), frozen) << "one Resume of two must not release it";
+        EXPECT_TRUE(s.Frozen()) << "one Resume of two must not release it";
         EXPECT_EQ(ResumeThread(h), 1u);
-        s.WaitForProgress();
+        ASSERT_TRUE(s.Progresses());
     }
     s.stop = true;
-    EXPECT_EQ(WaitForSingleObject(h, INFINITE), WAIT_OBJECT_0);
+    EXPECT_EQ(WaitForSingleObject(h, 20000), WAIT_OBJECT_0);
     EXPECT_EQ(SuspendThread(h), kThreadCallFailed) << "an ended thread can't be suspended";
     CloseHandle(h);
-}
-
-TEST(Threads, ThreadCanSuspendItself) {
-    struct Self {
-        HANDLE handle = nullptr;
-        std::atomic<bool> ready{false}, resumed{false};
-        static DWORD Run(void* p) {
-            auto* self = static_cast<Self*>(p);
-            while (!self->ready) std::this_thread::yield();
-            SuspendThread(self->handle);
-            self->resumed = true;
-            return 0;
-        }
-    } self;
-    self.handle = CreateThread(nullptr, 0, &Self::Run, &self, 0, nullptr);
-    self.ready = true;
-    // Resume returns 1 only once the thread has suspended itself.
-    while (ResumeThread(self.handle) != 1u) std::this_thread::yield();
-    EXPECT_EQ(WaitForSingleObject(self.handle, INFINITE), WAIT_OBJECT_0);
-    EXPECT_TRUE(self.resumed);
-    CloseHandle(self.handle);
 }
 
 TEST(Threads, IdentitiesAndTheMainThread) {
@@ -134,13 +124,16 @@ TEST(Threads, BadHandlesAndFailedCreationGiveFailures) {
     EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_FAILED);
     EXPECT_FALSE(CloseHandle(bogus));
 
-    detail::FailThreadCreations(1);
+    testing::FaultEnv faults;
+    testing::ScopedEnv use(faults);
+    faults.FailNth(detail::SysCall::kThreadCreate, 1, EAGAIN);
     Spinner s;
     s.stop = true;
     EXPECT_EQ(CreateThread(nullptr, 0, &Spinner::Run, &s, 0, nullptr), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_QUOTA);
     HANDLE h = CreateThread(nullptr, 0, &Spinner::Run, &s, 0, nullptr);
     ASSERT_NE(h, nullptr) << "only one creation was to fail";
-    WaitForSingleObject(h, INFINITE);
+    WaitForSingleObject(h, 20000);
     CloseHandle(h);
 }
 

@@ -1,6 +1,8 @@
 // CThreadAction: task lists and the single-run rule. CThreadDispatcher:
 // the main thread's end of the task road.
 #include <basicutils/platform/Threads.h>
+#include <basicutils/platform/internal/Suspension.h>
+#include <basicutils/platform/internal/WindowMessages.h>
 #include <basicutils/tasks/CThreadAction.h>
 
 #include <mutex>
@@ -171,7 +173,7 @@ CThreadDispatcher::~CThreadDispatcher() {
     std::vector<CVelmorantThread*> ended;
     bool onOwner = false;
     {
-        std::lock_guard<std::recursive_mutex> g(Dispatch().lock);
+        detail::LibraryLock g(Dispatch().lock);
         if (sThreadDispatcher == this) sThreadDispatcher = nullptr;
         if (m_hWnd) {
             onOwner = GetOwnerThreadId() == GetCurrentThreadId();
@@ -188,7 +190,7 @@ CThreadDispatcher::~CThreadDispatcher() {
 
 CThreadDispatcher* CThreadDispatcher::GetThreadDispatcher() {
     DispatcherState& state = Dispatch();
-    std::lock_guard<std::recursive_mutex> g(state.lock);
+    detail::LibraryLock g(state.lock);
     if (CThreadDispatcher* existing = sThreadDispatcher) return existing;
     auto* dispatcher =
         static_cast<CThreadDispatcher*>(RUNTIME_CLASS(CThreadDispatcher)->CreateObject());
@@ -202,7 +204,7 @@ CThreadDispatcher* CThreadDispatcher::GetThreadDispatcher() {
 }
 
 void CThreadDispatcher::DeleteAll() {
-    std::lock_guard<std::recursive_mutex> g(Dispatch().lock);
+    detail::LibraryLock g(Dispatch().lock);
     delete sThreadDispatcher.load();
 }
 
@@ -241,7 +243,7 @@ namespace detail {
 
 void PostTaskFinished(CVelmorantThread* task) {
     DispatcherState& state = Dispatch();
-    std::lock_guard<std::recursive_mutex> g(state.lock);
+    detail::LibraryLock g(state.lock);
     CThreadDispatcher* dispatcher = CThreadDispatcher::sThreadDispatcher;
     if (!dispatcher ||
         !dispatcher->PostMessage(kWmThreadFinished, 0, reinterpret_cast<LPARAM>(task)))

@@ -53,7 +53,7 @@ TEST_F(Scheduler, SingleRunTasksOfOneClassRunOneAfterAnotherInLaunchOrder) {
     t1->Execute();
     t2->Execute();
     t3->Execute();
-    while (!t1->mStartedRunning) std::this_thread::yield();
+    ASSERT_TRUE(testing_support::WaitUntil([&] { return t1->mStartedRunning.load(); }));
     EXPECT_EQ(action->GetThreadCount(), 3);
     EXPECT_EQ(action->FindRunningThread(t2), t1);
     EXPECT_EQ(action->FindWaitingThread(t3), t2);

@@ -2,6 +2,7 @@
 #include <basicutils/messaging/CMessageAction.h>
 #include <basicutils/platform/RuntimeClass.h>
 #include <basicutils/platform/Threads.h>
+#include <basicutils/platform/internal/Suspension.h>
 #include <basicutils/tasks/CThreadAction.h>
 #include <basicutils/tasks/CVelmorantThread.h>
 
@@ -119,7 +120,7 @@ bool CVelmorantThread::KillSelf() {
 void CVelmorantThread::PassInformation(CVelmorantThread*) {}
 
 MString& CVelmorantThread::GetDescription() {
-    std::lock_guard<std::mutex> g(mTextLock);
+    detail::LibraryLock g(mTextLock);
     if (mDescription.GetLength() == 0) {
         std::string name = DemangledClassName(typeid(*this));
         mDescription.ImportASCII(name.c_str(), -1);
@@ -128,22 +129,22 @@ MString& CVelmorantThread::GetDescription() {
 }
 
 void CVelmorantThread::SetStatus(const char16_t* status) {
-    std::lock_guard<std::mutex> g(mTextLock);
+    detail::LibraryLock g(mTextLock);
     mStatus = status;
 }
 
 void CVelmorantThread::SetDetail(const char16_t* detail) {
-    std::lock_guard<std::mutex> g(mTextLock);
+    detail::LibraryLock g(mTextLock);
     mDetail = detail;
 }
 
 MString CVelmorantThread::CopyStatus() {
-    std::lock_guard<std::mutex> g(mTextLock);
+    detail::LibraryLock g(mTextLock);
     return mStatus;
 }
 
 MString CVelmorantThread::CopyDetail() {
-    std::lock_guard<std::mutex> g(mTextLock);
+    detail::LibraryLock g(mTextLock);
     return mDetail;
 }
 
@@ -168,11 +169,11 @@ void CVelmorantThread::Start() {
         Finish(true);
         return;
     }
-    std::unique_lock<std::mutex> l(mThreadLock);
+    detail::LibraryLock l(mThreadLock);
     CWinThread* thread = AfxBeginThread(&CVelmorantThread::ThreadRoutine, this,
                                         THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED);
     if (!thread) {
-        l.unlock();
+        l.Unlock();
         mCanceled = true;
         MString text;
         text.Format(u"The task %s can't start: no thread could be created.",
@@ -186,7 +187,7 @@ void CVelmorantThread::Start() {
     // Resumed only once both fields are stored, and without touching the
     // thread object afterwards: a short task may end and delete it at once.
     HANDLE handle = thread->m_hThread;
-    l.unlock();
+    l.Unlock();
     ResumeThread(handle);
 }
 
@@ -200,8 +201,12 @@ UINT CVelmorantThread::ThreadRoutine(void* task) {
 void CVelmorantThread::Finish(bool runPostPlay) {
     if (mFinishing.exchange(true)) return;
     {
-        std::lock_guard<std::mutex> g(mThreadLock);
-        mThread = nullptr;
+        // A pause that hasn't stopped the worker by now is dropped: the
+        // worker has left RunSelf, and once mThread is null no Continue
+        // could reach it again.
+        detail::LibraryLock g(mThreadLock);
+        CWinThread* thread = mThread.exchange(nullptr);
+        if (thread && mPaused.exchange(false)) thread->ResumeThread();
     }
     if (mWorkerThread && !IsMainThread()) {
         if (mAutoDelete) {
@@ -239,7 +244,7 @@ bool CVelmorantThread::CanKill() {
 }
 
 void CVelmorantThread::Pause() {
-    std::lock_guard<std::mutex> g(mThreadLock);
+    detail::LibraryLock g(mThreadLock);
     CWinThread* thread = mThread;
     if (mCanKill && thread && !mPaused) {
         thread->SuspendThread();
@@ -248,7 +253,7 @@ void CVelmorantThread::Pause() {
 }
 
 void CVelmorantThread::Continue() {
-    std::lock_guard<std::mutex> g(mThreadLock);
+    detail::LibraryLock g(mThreadLock);
     CWinThread* thread = mThread;
     if (mCanKill && thread && mPaused) {
         thread->ResumeThread();
@@ -257,7 +262,7 @@ void CVelmorantThread::Continue() {
 }
 
 unsigned int CVelmorantThread::GetThreadId() {
-    std::lock_guard<std::mutex> g(mThreadLock);
+    detail::LibraryLock g(mThreadLock);
     CWinThread* thread = mThread;
     if (mWorkerThread && thread) return thread->m_nThreadID;
     return GetCurrentThreadId();

@@ -29,10 +29,13 @@
 //     guarded by a lock in SetStatus / SetDetail and in CopyStatus /
 //     CopyDetail; GetStatus and GetDetail return the field itself and are for
 //     the task's own thread.
-//   - Pause and Continue are serialised with the worker's Finish, so a pause
-//     never reaches a thread that has left its task. A paused thread keeps
-//     whatever locks it held (the progress channels' included) until
-//     Continue.
+//   - Pause returns at once; the worker stops at its next safe moment (see
+//     SuspendThread in Threads.h): never inside the C or C++ runtime, never
+//     while it holds a lock of this library (the progress and report
+//     channels' included), so a paused task blocks nobody who reports,
+//     pumps or schedules. Pause and Continue are serialised with the
+//     worker's Finish: a pause that hasn't stopped the worker by the time
+//     RunSelf returned is dropped (IsPaused turns false) and the task ends.
 //   - The destructor leaves a thread object that still exists (a task deleted
 //     while its thread runs) to that thread, which deletes it at its end.
 //   - GetDescription fills an empty description with the demangled name of

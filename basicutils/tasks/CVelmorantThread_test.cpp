@@ -1,10 +1,13 @@
 // The life of a task: which steps run, in which order, on which thread.
 #include <basicutils/messaging/CMessageAction.h>
 #include <basicutils/messaging/Recorder_test.h>
+#include <basicutils/platform/internal/Suspension.h>
+#include <basicutils/platform/testing/FaultEnv.h>
 #include <basicutils/tasks/CVelmorantThread.h>
 #include <basicutils/tasks/TaskTesting_test.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 #include <thread>
 
@@ -64,7 +67,7 @@ TEST_F(TaskLife, SelfDeletingWorkerCleansUpOnTheMainThread) {
     Gate gate;
     task->mGate = &gate;
     ASSERT_TRUE(task->Execute());
-    while (!task->mStartedRunning) std::this_thread::yield();
+    ASSERT_TRUE(WaitUntil([&] { return task->mStartedRunning.load(); }));
     EXPECT_TRUE(task->CanKill());
     const DWORD worker = task->GetThreadId();
     EXPECT_NE(worker, GetCurrentThreadId());
@@ -109,7 +112,7 @@ TEST_F(TaskLife, AbortOfRunningTaskOnlyClearsShouldStart) {
     Gate gate;
     task->mGate = &gate;
     task->Execute();
-    while (!task->mStartedRunning) std::this_thread::yield();
+    ASSERT_TRUE(WaitUntil([&] { return task->mStartedRunning.load(); }));
     task->Abort();
     EXPECT_FALSE(task->ShouldStart());
     EXPECT_EQ(CThreadAction::GetThreadAction()->GetThreadCount(), 1);
@@ -121,7 +124,9 @@ TEST_F(TaskLife, AbortOfRunningTaskOnlyClearsShouldStart) {
 TEST_F(TaskLife, ThreadThatCannotBeCreatedEndsTheTaskAndSaysSo) {
     Recorder errors;
     CMessageAction::GetMessageAction()->AddListener(&errors);
-    detail::FailThreadCreations(1);
+    testing::FaultEnv faults;
+    testing::ScopedEnv use(faults);
+    faults.FailNth(detail::SysCall::kThreadCreate, 1, EAGAIN);
     auto* first = Watch(new SingleTask(&mLog, "f1"));
     auto* second = Watch(new SingleTask(&mLog, "f2"));
     first->Execute();
@@ -147,21 +152,30 @@ class Spinner : public LoggedTask {
             Sleep(0);  // lets ThreadSanitizer deliver signals; no flag is read
         }
     }
+    HANDLE Worker() {
+        CWinThread* thread = mThread;
+        return thread ? thread->m_hThread : nullptr;
+    }
+    bool Advances() {
+        const int64_t from = GetPos();
+        return WaitUntil([&] { return GetPos() >= from + 10; });
+    }
 };
 
 TEST_F(TaskLife, PauseSuspendsTheWorkerAndContinueResumesIt) {
     auto* task = new Spinner(&mLog, "p", true);
     task->SetRange(1LL << 40);
     task->Execute();
-    while (task->GetPos() < 100) std::this_thread::yield();
+    ASSERT_TRUE(task->Advances());
     task->Pause();
     EXPECT_TRUE(task->IsPaused());
+    ASSERT_TRUE(detail::WaitForThreadStop(task->Worker(), 20000));
     const int64_t frozen = task->GetPos();
-    for (int i = 0; i < 5000; ++i) std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
     EXPECT_EQ(task->GetPos(), frozen);
     task->Continue();
     EXPECT_FALSE(task->IsPaused());
-    while (task->GetPos() < frozen + 100) std::this_thread::yield();
+    EXPECT_TRUE(task->Advances());
     task->stop = true;
     ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "p"); }));
 }

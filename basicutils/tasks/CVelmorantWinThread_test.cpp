@@ -50,7 +50,7 @@ TEST(CVelmorantWinThread, MessagesBeforeQuitAreHandledAndNoneAfter) {
     thread->SelfMessage(WM_USER + 3, 0, 0);  // dropped: quitting
     thread->Quit();                          // a second 1219
     thread->ResumeThread();
-    ASSERT_EQ(WaitForSingleObject(thread->m_hThread, INFINITE), WAIT_OBJECT_0);
+    ASSERT_EQ(WaitForSingleObject(thread->m_hThread, 20000), WAIT_OBJECT_0);
     std::lock_guard<std::mutex> g(Recording::sLock);
     EXPECT_EQ(Recording::sSeen,
               (std::vector<UINT>{WM_USER + 1, WM_USER + 2, kWmVelmorantQuit, kWmVelmorantQuit}));

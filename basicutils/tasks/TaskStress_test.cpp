@@ -48,7 +48,7 @@ class StressTask : public CVelmorantThread {
             mLedger->order[{mKind, mLauncher}].push_back(mId);
         }
         if (mHold) {
-            while (!mKilled) std::this_thread::yield();
+            EXPECT_TRUE(testing_support::WaitUntil([&] { return mKilled.load(); }));
         }
         for (int i = 0; i < 50; ++i) SetPos(i);
         mLedger->concurrent[mKind].fetch_sub(1);

@@ -2,6 +2,7 @@
 // step with its thread, a gate to hold a task in RunSelf, and a pump loop.
 #pragma once
 
+#include <basicutils/platform/Deadline_test.h>
 #include <basicutils/platform/MessageQueue.h>
 #include <basicutils/platform/Threads.h>
 #include <basicutils/tasks/CThreadAction.h>
@@ -68,9 +69,11 @@ class Gate {
         mOpen = true;
         mCv.notify_all();
     }
+    // Gives up after a generous limit, so that a test that never opens the
+    // gate fails instead of hanging.
     void Wait() {
         std::unique_lock<std::mutex> l(mLock);
-        mCv.wait(l, [&] { return mOpen; });
+        EXPECT_TRUE(mCv.wait_for(l, std::chrono::seconds(60), [&] { return mOpen; }));
     }
 
   private:

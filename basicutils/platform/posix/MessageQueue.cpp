@@ -1,8 +1,11 @@
 // Hidden windows, posting and pumping on per-thread queues.
+#include <basicutils/platform/Errors.h>
 #include <basicutils/platform/MessageQueue.h>
+#include <basicutils/platform/internal/WindowMessages.h>
 #include <basicutils/platform/posix/ThreadState.h>
 
 #include <atomic>
+#include <condition_variable>
 #include <unordered_map>
 
 namespace basicutils {
@@ -12,10 +15,13 @@ namespace {
 struct WindowEntry {
     CWnd* window;
     std::shared_ptr<ThreadState> owner;
+    int dispatching = 0;     // WindowProc calls under way on the owner
+    bool destroyed = false;  // no longer an address; erased once idle
 };
 
 struct WindowRegistry {
     std::mutex lock;
+    std::condition_variable idle;  // a destroyed window's last dispatch ended
     std::unordered_map<HWND, WindowEntry> windows;
 };
 
@@ -29,9 +35,40 @@ std::atomic<uintptr_t> gNextWindow{0x10000};
 
 std::shared_ptr<ThreadState> OwnerOf(HWND window) {
     WindowRegistry& r = Windows();
-    std::lock_guard<std::mutex> g(r.lock);
+    LibraryLock g(r.lock);
     auto it = r.windows.find(window);
-    return it == r.windows.end() ? nullptr : it->second.owner;
+    return it == r.windows.end() || it->second.destroyed ? nullptr : it->second.owner;
+}
+
+// Takes a window out of the registry. While its owner runs its WindowProc,
+// another thread waits here for the call to return (the caller frees the
+// window next); the owner itself, destroying the window from inside its own
+// WindowProc, doesn't wait: the dispatch erases the entry as it ends.
+void Unregister(HWND window) {
+    auto self = CurrentThreadState();
+    WindowRegistry& r = Windows();
+    LibraryLock l(r.lock);
+    auto it = r.windows.find(window);
+    if (it == r.windows.end()) return;
+    it->second.destroyed = true;
+    if (it->second.dispatching == 0) {
+        r.windows.erase(it);
+    } else if (it->second.owner != self) {
+        r.idle.wait(l.Held(), [&] { return r.windows.count(window) == 0; });
+    }
+}
+
+BOOL Deliver(const std::shared_ptr<ThreadState>& target, const MSG& message, DWORD gone) {
+    switch (target ? target->Post(message) : PostResult::kThreadGone) {
+        case PostResult::kPosted:
+            return 1;
+        case PostResult::kQueueFull:
+            SetLastError(ERROR_NOT_ENOUGH_QUOTA);
+            return 0;
+        default:
+            SetLastError(gone);
+            return 0;
+    }
 }
 
 }  // namespace
@@ -44,15 +81,15 @@ std::vector<MSG> TakeWindowMessages(HWND window) {
 }  // namespace detail
 
 BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto owner = detail::OwnerOf(window);
-    if (!owner) return 0;
-    return owner->Post(MSG{window, message, wParam, lParam, detail::TickCount()}) ? 1 : 0;
+    return detail::Deliver(detail::OwnerOf(window),
+                           MSG{window, message, wParam, lParam, detail::TickCount()},
+                           ERROR_INVALID_WINDOW_HANDLE);
 }
 
 BOOL PostThreadMessageW(DWORD threadId, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto state = detail::FindThreadState(threadId);
-    if (!state) return 0;
-    return state->Post(MSG{nullptr, message, wParam, lParam, detail::TickCount()}) ? 1 : 0;
+    return detail::Deliver(detail::FindThreadState(threadId),
+                           MSG{nullptr, message, wParam, lParam, detail::TickCount()},
+                           ERROR_INVALID_THREAD_ID);
 }
 
 void PostQuitMessage(int exitCode) {
@@ -75,29 +112,37 @@ BOOL PeekMessageW(MSG* message, HWND window, UINT filterMin, UINT filterMax, UIN
 
 LRESULT DispatchMessageW(const MSG* message) {
     if (!message || !message->hwnd) return 0;
+    auto self = detail::CurrentThreadState();
+    detail::WindowRegistry& r = detail::Windows();
     CWnd* target = nullptr;
     {
-        detail::WindowRegistry& r = detail::Windows();
-        std::lock_guard<std::mutex> g(r.lock);
+        detail::LibraryLock g(r.lock);
         auto it = r.windows.find(message->hwnd);
-        if (it == r.windows.end() || it->second.owner != detail::CurrentThreadState()) return 0;
+        if (it == r.windows.end() || it->second.destroyed || it->second.owner != self) return 0;
+        ++it->second.dispatching;
         target = it->second.window;
     }
-    return target->WindowProc(message->message, message->wParam, message->lParam);
+    const LRESULT result = target->WindowProc(message->message, message->wParam, message->lParam);
+    detail::LibraryLock g(r.lock);
+    auto it = r.windows.find(message->hwnd);
+    if (--it->second.dispatching == 0 && it->second.destroyed) {
+        r.windows.erase(it);
+        r.idle.notify_all();
+    }
+    return result;
 }
 
 int PumpMessages(DWORD waitMilliseconds) {
     auto self = detail::CurrentThreadState();
-    if (waitMilliseconds) self->WaitForMessage(waitMilliseconds);
+    if (waitMilliseconds) self->WaitForPumpable(waitMilliseconds);
+    // Only what waits now: messages posted meanwhile wait for the next call.
     size_t budget = self->PendingCount();
     int handled = 0;
     MSG message;
-    bool quit = false;
-    while (budget-- > 0) {
-        if (!self->Take(&message, false, &quit) || quit) break;
-        self->Take(&message, true, &quit);
+    while (self->TakeForPump(&message, budget > 0)) {
         DispatchMessageW(&message);
         ++handled;
+        --budget;
     }
     return handled;
 }
@@ -114,11 +159,7 @@ const RECT CFrameWnd::rectDefault = {INT32_MIN, INT32_MIN, 0, 0};
 CWnd::CWnd() : m_hWnd(nullptr), mOwnerThread(0) {}
 
 CWnd::~CWnd() {
-    if (m_hWnd) {
-        detail::WindowRegistry& r = detail::Windows();
-        std::lock_guard<std::mutex> g(r.lock);
-        r.windows.erase(m_hWnd);
-    }
+    if (HWND window = m_hWnd.exchange(nullptr)) detail::Unregister(window);
 }
 
 BOOL CWnd::CreateHidden() {
@@ -127,22 +168,18 @@ BOOL CWnd::CreateHidden() {
     HWND window = reinterpret_cast<HWND>(detail::gNextWindow.fetch_add(4));
     {
         detail::WindowRegistry& r = detail::Windows();
-        std::lock_guard<std::mutex> g(r.lock);
+        detail::LibraryLock g(r.lock);
         r.windows[window] = detail::WindowEntry{this, owner};
     }
-    m_hWnd = window;
     mOwnerThread = owner->Id();
+    m_hWnd = window;
     return 1;
 }
 
 BOOL CWnd::DestroyWindow() {
-    if (!m_hWnd) return 0;
-    {
-        detail::WindowRegistry& r = detail::Windows();
-        std::lock_guard<std::mutex> g(r.lock);
-        r.windows.erase(m_hWnd);
-    }
-    m_hWnd = nullptr;
+    HWND window = m_hWnd.exchange(nullptr);
+    if (!window) return 0;
+    detail::Unregister(window);
     PostNcDestroy();
     return 1;
 }

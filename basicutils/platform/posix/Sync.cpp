@@ -1,5 +1,7 @@
 // Kernel objects, events, waits, asynchronous procedure calls, locks.
 #include <basicutils/platform/Sync.h>
+#include <basicutils/platform/internal/KernelObject.h>
+#include <basicutils/platform/internal/Suspension.h>
 #include <basicutils/platform/posix/ThreadState.h>
 
 #include <algorithm>
@@ -24,20 +26,20 @@ class Event final : public KernelObject {
   public:
     Event(bool manual, bool initial) : mManual(manual), mSignaled(initial) {}
     bool TryAcquire() override {
-        std::lock_guard<std::mutex> g(mLock);
+        LibraryLock g(mLock);
         if (!mSignaled) return false;
         if (!mManual) mSignaled = false;
         return true;
     }
     void Set() {
         {
-            std::lock_guard<std::mutex> g(mLock);
+            LibraryLock g(mLock);
             mSignaled = true;
         }
         WakeWaiters();
     }
     void Reset() {
-        std::lock_guard<std::mutex> g(mLock);
+        LibraryLock g(mLock);
         mSignaled = false;
     }
 
@@ -88,31 +90,31 @@ void KernelObject::Release() {
 }
 
 void KernelObject::AddWaiter(ThreadState* waiter) {
-    std::lock_guard<std::mutex> g(mWaitersLock);
+    LibraryLock g(mWaitersLock);
     mWaiters.push_back(waiter);
 }
 
 void KernelObject::RemoveWaiter(ThreadState* waiter) {
-    std::lock_guard<std::mutex> g(mWaitersLock);
+    LibraryLock g(mWaitersLock);
     auto it = std::find(mWaiters.begin(), mWaiters.end(), waiter);
     if (it != mWaiters.end()) mWaiters.erase(it);
 }
 
 void KernelObject::WakeWaiters() {
-    std::lock_guard<std::mutex> g(mWaitersLock);
+    LibraryLock g(mWaitersLock);
     for (ThreadState* waiter : mWaiters) waiter->Wake();
 }
 
 HANDLE KernelObject::Publish() {
     HandleRegistry& r = Handles();
-    std::lock_guard<std::mutex> g(r.lock);
+    LibraryLock g(r.lock);
     r.live.insert(this);
     return this;
 }
 
 KernelObject* KernelObject::Acquire(HANDLE handle) {
     HandleRegistry& r = Handles();
-    std::lock_guard<std::mutex> g(r.lock);
+    LibraryLock g(r.lock);
     auto it = r.live.find(static_cast<KernelObject*>(handle));
     if (it == r.live.end()) return nullptr;
     (*it)->AddRef();
@@ -128,7 +130,7 @@ BOOL CloseHandle(HANDLE handle) {
     detail::HandleRegistry& r = detail::Handles();
     KernelObject* object = nullptr;
     {
-        std::lock_guard<std::mutex> g(r.lock);
+        detail::LibraryLock g(r.lock);
         auto it = r.live.find(static_cast<KernelObject*>(handle));
         if (it == r.live.end()) return 0;
         object = *it;
@@ -183,30 +185,38 @@ BOOL QueueUserAPCToThreadId(PAPCFUNC function, DWORD threadId, ULONG_PTR data) {
     return state && state->QueueApc(function, data) ? 1 : 0;
 }
 
+// A section counts as a library lock from the moment it is requested until
+// the Unlock that matches it, so that no thread is stopped while it holds one.
 BOOL CCriticalSection::Lock(DWORD timeout) {
     const std::thread::id me = std::this_thread::get_id();
-    std::unique_lock<std::mutex> l(mLock);
+    detail::EnterLockRegion();
+    detail::LibraryLock l(mLock);
     if (mCount > 0 && mOwner == me) {
         ++mCount;
         return 1;
     }
     auto free = [&] { return mCount == 0; };
-    if (timeout == INFINITE)
-        mFree.wait(l, free);
-    else if (!mFree.wait_for(l, std::chrono::milliseconds(timeout), free))
+    if (timeout == INFINITE) {
+        mFree.wait(l.Held(), free);
+    } else if (!mFree.wait_for(l.Held(), std::chrono::milliseconds(timeout), free)) {
+        detail::LeaveLockRegion();
         return 0;
+    }
     mOwner = me;
     mCount = 1;
     return 1;
 }
 
 BOOL CCriticalSection::Unlock() {
-    std::lock_guard<std::mutex> g(mLock);
-    if (mCount == 0 || mOwner != std::this_thread::get_id()) return 0;
-    if (--mCount == 0) {
-        mOwner = std::thread::id();
-        mFree.notify_one();
+    {
+        detail::LibraryLock g(mLock);
+        if (mCount == 0 || mOwner != std::this_thread::get_id()) return 0;
+        if (--mCount == 0) {
+            mOwner = std::thread::id();
+            mFree.notify_one();
+        }
     }
+    detail::LeaveLockRegion();
     return 1;
 }
 

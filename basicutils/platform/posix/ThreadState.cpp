@@ -1,9 +1,12 @@
 // Per-thread state: registry, message queue, call queue and wake-ups.
+#include <basicutils/platform/Errors.h>
+#include <basicutils/platform/internal/Env.h>
 #include <basicutils/platform/posix/ThreadState.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <unordered_map>
 
@@ -30,7 +33,7 @@ struct StateHolder {
         if (!state) return;
         state->Retire();
         Registry& r = TheRegistry();
-        std::lock_guard<std::mutex> g(r.lock);
+        LibraryLock g(r.lock);
         r.states.erase(state->Id());
     }
 };
@@ -40,34 +43,50 @@ thread_local StateHolder tHolder;
 }  // namespace
 
 ThreadState::~ThreadState() {
-    if (mFd >= 0) ::close(mFd);
+    if (mFd >= 0) CurrentEnv().Close(mFd);
 }
 
 void ThreadState::Wake() {
-    std::lock_guard<std::mutex> g(mLock);
+    Guard g(mLock);
     ++mWakes;
     mWake.notify_all();
 }
 
 uint64_t ThreadState::WakeCount() {
-    std::lock_guard<std::mutex> g(mLock);
+    Guard g(mLock);
     return mWakes;
 }
 
 bool ThreadState::WaitForWake(uint64_t seen, bool infinite,
                               std::chrono::steady_clock::time_point deadline) {
-    std::unique_lock<std::mutex> l(mLock);
+    Guard l(mLock);
     auto changed = [&] { return mWakes != seen; };
     if (infinite) {
-        mWake.wait(l, changed);
+        mWake.wait(l.Held(), changed);
         return true;
     }
-    return mWake.wait_until(l, deadline, changed);
+    return mWake.wait_until(l.Held(), deadline, changed);
 }
 
+bool ThreadState::AnythingLocked() const {
+    return !mMessages.empty() || mQuitPending;
+}
+
+bool ThreadState::QuitAtFrontLocked() const {
+    return mMessages.empty() ? mQuitPending : mMessages.front().message == WM_QUIT;
+}
+
+bool ThreadState::PumpableLocked() const {
+    if (QuitAtFrontLocked()) return !mQuitSeen;
+    return !mMessages.empty();
+}
+
+// The counter's 8-byte read and write go straight to the kernel: they can't
+// come back short, and through the seam a test's rule for "the N-th write"
+// would land on whichever thread happened to post.
 void ThreadState::SyncFdLocked() {
     if (mFd < 0) return;
-    bool want = !mMessages.empty() || mQuitPending;
+    bool want = PumpableLocked();
     if (want && !mFdArmed) {
         uint64_t one = 1;
         ssize_t n = ::write(mFd, &one, sizeof one);
@@ -80,18 +99,19 @@ void ThreadState::SyncFdLocked() {
     }
 }
 
-bool ThreadState::Post(const MSG& message) {
-    std::lock_guard<std::mutex> g(mLock);
-    if (!mAlive) return false;
+PostResult ThreadState::Post(const MSG& message) {
+    Guard g(mLock);
+    if (!mAlive) return PostResult::kThreadGone;
+    if (mMessages.size() >= kMessageQueueLimit) return PostResult::kQueueFull;
     mMessages.push_back(message);
     SyncFdLocked();
     ++mWakes;
     mWake.notify_all();
-    return true;
+    return PostResult::kPosted;
 }
 
 bool ThreadState::QueueApc(PAPCFUNC function, ULONG_PTR data) {
-    std::lock_guard<std::mutex> g(mLock);
+    Guard g(mLock);
     if (!mAlive) return false;
     mApcs.emplace_back(function, data);
     ++mWakes;
@@ -100,7 +120,7 @@ bool ThreadState::QueueApc(PAPCFUNC function, ULONG_PTR data) {
 }
 
 void ThreadState::PostQuit(int exitCode) {
-    std::lock_guard<std::mutex> g(mLock);
+    Guard g(mLock);
     mQuitPending = true;
     mQuitCode = exitCode;
     SyncFdLocked();
@@ -109,46 +129,64 @@ void ThreadState::PostQuit(int exitCode) {
 }
 
 bool ThreadState::Take(MSG* message, bool remove, bool* quit) {
-    std::lock_guard<std::mutex> g(mLock);
+    Guard g(mLock);
     *quit = false;
     if (!mMessages.empty()) {
         *message = mMessages.front();
         *quit = message->message == WM_QUIT;
-        if (remove) {
-            mMessages.pop_front();
-            SyncFdLocked();
-        }
-        return true;
-    }
-    if (mQuitPending) {
+        if (remove) mMessages.pop_front();
+    } else if (mQuitPending) {
         *message = MSG{nullptr, WM_QUIT, static_cast<WPARAM>(mQuitCode), 0, TickCount()};
         *quit = true;
-        if (remove) {
-            mQuitPending = false;
-            SyncFdLocked();
-        }
+        if (remove) mQuitPending = false;
+    } else {
+        return false;
+    }
+    if (remove && *quit) mQuitSeen = false;
+    if (remove) SyncFdLocked();
+    return true;
+}
+
+bool ThreadState::TakeForPump(MSG* message, bool take) {
+    Guard g(mLock);
+    if (QuitAtFrontLocked()) {
+        mQuitSeen = true;
+        SyncFdLocked();
+        return false;
+    }
+    if (!take || mMessages.empty()) return false;
+    *message = mMessages.front();
+    mMessages.pop_front();
+    SyncFdLocked();
+    return true;
+}
+
+bool ThreadState::WaitLocked(Guard& guard, DWORD milliseconds, bool (ThreadState::*ready)() const) {
+    auto isReady = [&] { return (this->*ready)(); };
+    if (milliseconds == INFINITE) {
+        mWake.wait(guard.Held(), isReady);
         return true;
     }
-    return false;
+    return mWake.wait_for(guard.Held(), std::chrono::milliseconds(milliseconds), isReady);
 }
 
 bool ThreadState::WaitForMessage(DWORD milliseconds) {
-    std::unique_lock<std::mutex> l(mLock);
-    auto ready = [&] { return !mMessages.empty() || mQuitPending; };
-    if (milliseconds == INFINITE) {
-        mWake.wait(l, ready);
-        return true;
-    }
-    return mWake.wait_for(l, std::chrono::milliseconds(milliseconds), ready);
+    Guard l(mLock);
+    return WaitLocked(l, milliseconds, &ThreadState::AnythingLocked);
+}
+
+bool ThreadState::WaitForPumpable(DWORD milliseconds) {
+    Guard l(mLock);
+    return WaitLocked(l, milliseconds, &ThreadState::PumpableLocked);
 }
 
 size_t ThreadState::PendingCount() {
-    std::lock_guard<std::mutex> g(mLock);
+    Guard g(mLock);
     return mMessages.size();
 }
 
 std::vector<MSG> ThreadState::TakeWindowMessages(HWND window) {
-    std::lock_guard<std::mutex> g(mLock);
+    Guard g(mLock);
     std::vector<MSG> taken;
     std::deque<MSG> kept;
     for (const MSG& m : mMessages) (m.hwnd == window ? taken.push_back(m) : kept.push_back(m));
@@ -160,7 +198,7 @@ std::vector<MSG> ThreadState::TakeWindowMessages(HWND window) {
 bool ThreadState::RunApcs() {
     std::deque<std::pair<PAPCFUNC, ULONG_PTR>> calls;
     {
-        std::lock_guard<std::mutex> g(mLock);
+        Guard g(mLock);
         calls.swap(mApcs);
     }
     for (auto& [function, data] : calls) function(data);
@@ -168,9 +206,10 @@ bool ThreadState::RunApcs() {
 }
 
 int ThreadState::Fd() {
-    std::lock_guard<std::mutex> g(mLock);
+    Guard g(mLock);
     if (mFd < 0) {
-        mFd = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+        mFd = CurrentEnv().Eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+        if (mFd < 0) SetLastErrorFromErrno(errno);
         mFdArmed = false;
         SyncFdLocked();
     }
@@ -178,7 +217,7 @@ int ThreadState::Fd() {
 }
 
 void ThreadState::Retire() {
-    std::lock_guard<std::mutex> g(mLock);
+    Guard g(mLock);
     mAlive = false;
     mMessages.clear();
     mApcs.clear();
@@ -189,7 +228,7 @@ void ThreadState::Retire() {
 std::shared_ptr<ThreadState> NewThreadState() {
     auto state = std::make_shared<ThreadState>(gNextThreadId.fetch_add(1));
     Registry& r = TheRegistry();
-    std::lock_guard<std::mutex> g(r.lock);
+    LibraryLock g(r.lock);
     r.states[state->Id()] = state;
     return state;
 }
@@ -205,7 +244,7 @@ std::shared_ptr<ThreadState> CurrentThreadState() {
 
 std::shared_ptr<ThreadState> FindThreadState(DWORD id) {
     Registry& r = TheRegistry();
-    std::lock_guard<std::mutex> g(r.lock);
+    LibraryLock g(r.lock);
     auto it = r.states.find(id);
     return it == r.states.end() ? nullptr : it->second;
 }

@@ -1,10 +1,17 @@
 // Per-thread state of the platform layer: the thread's ID, its message
 // queue, its queue of asynchronous procedure calls and the wake-up used by
 // every wait. Internal to the POSIX implementation.
+//
+// The message queue holds at most kMessageQueueLimit posted messages. A quit
+// asked with PostQuitMessage is a flag, not a queued message: it comes up
+// once the queue is otherwise empty. PumpMessages stops at a quit and leaves
+// it for GetMessageW; the quit then no longer makes the descriptor readable,
+// so that a poll loop isn't woken again and again for it.
 #pragma once
 
 #include <basicutils/platform/MessageQueue.h>
 #include <basicutils/platform/Sync.h>
+#include <basicutils/platform/internal/Suspension.h>
 
 #include <chrono>
 #include <condition_variable>
@@ -17,6 +24,10 @@
 
 namespace basicutils::detail {
 
+inline constexpr size_t kMessageQueueLimit = 10000;
+
+enum class PostResult { kPosted, kThreadGone, kQueueFull };
+
 class ThreadState {
   public:
     explicit ThreadState(DWORD id) : mId(id) {}
@@ -26,15 +37,21 @@ class ThreadState {
 
     // Wakes the thread from any wait of this layer.
     void Wake();
-    // Queues a message; false once the thread has ended.
-    bool Post(const MSG& message);
+    // Queues a message, unless the thread has ended or its queue is full.
+    PostResult Post(const MSG& message);
     bool QueueApc(PAPCFUNC function, ULONG_PTR data);
     void PostQuit(int exitCode);
     // Takes the next message; false when none waits (or WM_QUIT comes up).
     // *quit is set when the message taken is WM_QUIT.
     bool Take(MSG* message, bool remove, bool* quit);
+    // For PumpMessages: takes the next message (when `take`) unless it is
+    // WM_QUIT, which stays and is marked as seen by the pump.
+    bool TakeForPump(MSG* message, bool take);
     // Waits until a message waits, the quit flag is set or the time is out.
     bool WaitForMessage(DWORD milliseconds);
+    // Waits until TakeForPump has something to do (a message, or a quit that
+    // the pump hasn't seen), or the time is out.
+    bool WaitForPumpable(DWORD milliseconds);
     size_t PendingCount();
     // Takes the queued messages for one window out of the queue.
     std::vector<MSG> TakeWindowMessages(HWND window);
@@ -50,7 +67,13 @@ class ThreadState {
     bool WaitForWake(uint64_t seen, bool infinite, std::chrono::steady_clock::time_point deadline);
 
   private:
+    using Guard = LibraryLock<std::mutex>;
+
+    bool AnythingLocked() const;
+    bool QuitAtFrontLocked() const;
+    bool PumpableLocked() const;
     void SyncFdLocked();
+    bool WaitLocked(Guard& guard, DWORD milliseconds, bool (ThreadState::*ready)() const);
 
     const DWORD mId;
     std::mutex mLock;
@@ -59,6 +82,7 @@ class ThreadState {
     std::deque<MSG> mMessages;
     std::deque<std::pair<PAPCFUNC, ULONG_PTR>> mApcs;
     bool mQuitPending = false;
+    bool mQuitSeen = false;  // the pump has stopped at the quit at the front
     int mQuitCode = 0;
     bool mAlive = true;
     int mFd = -1;

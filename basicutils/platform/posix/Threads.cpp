@@ -1,38 +1,29 @@
-// Threads on pthreads, with suspension of running threads by signals.
-//
-// SuspendThread sends kSuspendSignal to the thread; its handler tells the
-// suspender that the thread has stopped, then sleeps in sigsuspend until the
-// suspend count is back to 0 and kResumeSignal arrives. kResumeSignal is
-// blocked inside the handler except during sigsuspend, so a resumption that
-// comes before the handler sleeps is not lost.
+// Threads on pthreads. The suspension of running threads is in
+// Suspension.cpp; this file keeps each thread's record: its suspend count,
+// the gate of a thread created suspended, its end and exit code.
+#include <basicutils/platform/Errors.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
+#include <basicutils/platform/internal/Env.h>
+#include <basicutils/platform/internal/KernelObject.h>
+#include <basicutils/platform/internal/Suspension.h>
+#include <basicutils/platform/posix/Suspension.h>
 #include <basicutils/platform/posix/ThreadState.h>
 #include <pthread.h>
-#include <semaphore.h>
-#include <signal.h>
 #include <time.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <thread>
 
 namespace basicutils {
 namespace detail {
 namespace {
 
-class ThreadRecord;
-
-int SuspendSignal() {
-    return SIGRTMIN + 6;
-}
-int ResumeSignal() {
-    return SIGRTMIN + 7;
-}
-
-thread_local ThreadRecord* tRecord = nullptr;
-std::atomic<int> gFailCreations{0};
 std::atomic<DWORD> gMainThreadId{0};
 
 class ThreadRecord final : public KernelObject {
@@ -41,14 +32,10 @@ class ThreadRecord final : public KernelObject {
         : mState(NewThreadState()),
           mRoutine(routine),
           mParameter(parameter),
-          mSuspendCount(suspended ? 1 : 0),
-          mSignalCount(0) {
-        sem_init(&mAck, 0, 0);
-    }
-    ~ThreadRecord() override { sem_destroy(&mAck); }
+          mSuspendCount(suspended ? 1 : 0) {}
 
     bool TryAcquire() override {
-        std::lock_guard<std::mutex> g(mLock);
+        LibraryLock g(mLock);
         return mEnded;
     }
 
@@ -58,14 +45,17 @@ class ThreadRecord final : public KernelObject {
         auto* record = static_cast<ThreadRecord*>(self);
         AdoptThreadState(record->mState);
         tRecord = record;
+        record->mSlot.Attach();
         {
-            std::unique_lock<std::mutex> l(record->mLock);
-            record->mGate.wait(l, [&] { return record->mSuspendCount == 0; });
+            LibraryLock l(record->mLock);
+            record->mGate.wait(l.Held(), [&] { return record->mSuspendCount == 0; });
             record->mStarted = true;
+            record->mSlot.SetRunning(true);
         }
         DWORD code = record->mRoutine(record->mParameter);
         {
-            std::lock_guard<std::mutex> g(record->mLock);
+            LibraryLock g(record->mLock);
+            record->mSlot.Detach();
             record->mExitCode = code;
             record->mEnded = true;
         }
@@ -82,9 +72,11 @@ class ThreadRecord final : public KernelObject {
         if (stackSize)
             pthread_attr_setstacksize(&attr, std::max<size_t>(stackSize, PTHREAD_STACK_MIN));
         AddRef();
-        int rc = pthread_create(&mNative, &attr, &Entry, this);
+        pthread_t native;
+        const int rc = CurrentEnv().ThreadCreate(&native, &attr, &Entry, this);
         pthread_attr_destroy(&attr);
         if (rc != 0) {
+            SetLastErrorFromErrno(rc);
             mState->Retire();
             Release();
             return false;
@@ -92,97 +84,59 @@ class ThreadRecord final : public KernelObject {
         return true;
     }
 
+    // Raises the count; a running thread is asked to stop and stops at its
+    // next safe moment (a thread suspending itself outside any other library
+    // lock: as it leaves this one).
     DWORD Suspend() {
-        std::unique_lock<std::mutex> l(mLock);
+        LibraryLock l(mLock);
         if (mEnded) return kThreadCallFailed;
-        const DWORD previous = mSuspendCount++;
-        if (!mStarted || previous > 0) return previous;
-        mSignalCount.store(mSuspendCount);
-        if (tRecord == this) {
-            l.unlock();
-            pthread_kill(mNative, SuspendSignal());  // returns once resumed
-            while (sem_trywait(&mAck) == 0) {
-            }
-            return previous;
+        const DWORD previous = mSuspendCount;
+        if (mStarted && previous == 0 && !mSlot.Request(tRecord == this)) {
+            SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+            return kThreadCallFailed;
         }
-        pthread_kill(mNative, SuspendSignal());
-        while (sem_wait(&mAck) != 0 && errno == EINTR) {
-        }
+        ++mSuspendCount;
         return previous;
     }
 
     DWORD Resume() {
-        std::lock_guard<std::mutex> g(mLock);
+        LibraryLock l(mLock);
         if (mEnded) return kThreadCallFailed;
         const DWORD previous = mSuspendCount;
         if (previous == 0) return 0;
-        --mSuspendCount;
-        if (mSuspendCount == 0) {
-            if (!mStarted) {
+        if (--mSuspendCount == 0) {
+            if (!mStarted)
                 mGate.notify_all();
-            } else {
-                mSignalCount.store(0);
-                pthread_kill(mNative, ResumeSignal());
-            }
+            else
+                mSlot.Release();
         }
         return previous;
     }
 
     bool ExitCode(DWORD* code) {
-        std::lock_guard<std::mutex> g(mLock);
+        LibraryLock g(mLock);
         *code = mEnded ? mExitCode : STILL_ACTIVE;
         return true;
     }
 
-    // Runs in the signal handler of the suspended thread.
-    void HoldWhileSuspended() {
-        sem_post(&mAck);
-        sigset_t mask;
-        pthread_sigmask(SIG_BLOCK, nullptr, &mask);
-        sigdelset(&mask, ResumeSignal());
-        while (mSignalCount.load() > 0) sigsuspend(&mask);
-    }
+    bool IsStopped() const { return mSlot.IsStopped(); }
 
   private:
+    static thread_local ThreadRecord* tRecord;
+
     std::shared_ptr<ThreadState> mState;
     LPTHREAD_START_ROUTINE mRoutine;
     void* mParameter;
     std::mutex mLock;
     std::condition_variable mGate;
     DWORD mSuspendCount;
-    std::atomic<DWORD> mSignalCount;  // read by the signal handler
     bool mStarted = false;
     bool mEnded = false;
     DWORD mExitCode = STILL_ACTIVE;
-    pthread_t mNative{};
-    sem_t mAck;
+    SuspendSlot mSlot;
 };
 
-void OnSuspendSignal(int) {
-    const int savedErrno = errno;
-    if (ThreadRecord* record = tRecord) record->HoldWhileSuspended();
-    errno = savedErrno;
-}
-
-void OnResumeSignal(int) {}
-
-void InstallSignalHandlers() {
-    static std::once_flag once;
-    std::call_once(once, [] {
-        struct sigaction resume {};
-        resume.sa_handler = &OnResumeSignal;
-        sigemptyset(&resume.sa_mask);
-        resume.sa_flags = SA_RESTART;
-        sigaction(ResumeSignal(), &resume, nullptr);
-
-        struct sigaction suspend {};
-        suspend.sa_handler = &OnSuspendSignal;
-        sigemptyset(&suspend.sa_mask);
-        sigaddset(&suspend.sa_mask, ResumeSignal());
-        suspend.sa_flags = SA_RESTART;
-        sigaction(SuspendSignal(), &suspend, nullptr);
-    });
-}
+thread_local ThreadRecord* ThreadRecord::tRecord = nullptr;
 
 ThreadRecord* AsThread(KernelObject* object) {
     return dynamic_cast<ThreadRecord*>(object);
@@ -196,8 +150,17 @@ const bool gMainThreadRecorded = [] {
 
 }  // namespace
 
-void FailThreadCreations(int count) {
-    gFailCreations.store(count);
+bool WaitForThreadStop(HANDLE thread, DWORD milliseconds) {
+    ObjectRef ref(KernelObject::Acquire(thread));
+    auto* record = AsThread(ref.get());
+    if (!record) return false;
+    const auto deadline =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    while (!record->IsStopped()) {
+        if (std::chrono::steady_clock::now() >= deadline) return false;
+        std::this_thread::sleep_for(std::chrono::microseconds(50));
+    }
+    return true;
 }
 
 }  // namespace detail
@@ -208,11 +171,7 @@ using detail::ObjectRef;
 HANDLE CreateThread(void*, size_t stackSize, LPTHREAD_START_ROUTINE routine, void* parameter,
                     DWORD flags, DWORD* threadId) {
     if (!routine) return nullptr;
-    int failures = detail::gFailCreations.load();
-    while (failures > 0 && !detail::gFailCreations.compare_exchange_weak(failures, failures - 1)) {
-    }
-    if (failures > 0) return nullptr;
-    detail::InstallSignalHandlers();
+    detail::InstallSuspendHandler();
     auto* record = new detail::ThreadRecord(routine, parameter, (flags & CREATE_SUSPENDED) != 0);
     if (!record->Launch(stackSize)) {
         record->Release();
@@ -257,6 +216,7 @@ void Sleep(DWORD milliseconds) {
     ts.tv_nsec = static_cast<long>(milliseconds % 1000) * 1000000L;
     while (nanosleep(&ts, &ts) != 0 && errno == EINTR) {
     }
+    detail::SafePoint();
 }
 
 DWORD GetMainThreadId() {

@@ -1,0 +1,195 @@
+// Pause and Continue in a storm. A task that allocates, reports progress and
+// posts messages is paused and continued 10,000 times from the main thread
+// and as many times from another thread, with random gaps of 0 to 100 µs,
+// while other tasks run. Every toggle returns, nothing deadlocks (the whole
+// storm runs in a child process with a deadline), and every task ends with
+// the result it would have had undisturbed.
+#include <basicutils/messaging/CThreadStatus.h>
+#include <basicutils/platform/Errors.h>
+#include <basicutils/platform/internal/Suspension.h>
+#include <basicutils/tasks/TaskTesting_test.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <random>
+#include <string>
+#include <thread>
+
+namespace basicutils {
+namespace {
+
+using namespace testing_support;
+
+constexpr int kTasks = 4;  // task 0 is the one that is paused
+constexpr int kToggles = 10000;
+constexpr int64_t kLeastUnits = 1000;
+
+struct Outcome {
+    std::atomic<int64_t> units{0}, checksum{0}, posted{0}, postedSum{0};
+    std::atomic<int64_t> received{0}, receivedSum{0};
+    std::atomic<bool> badPost{false}, deleted{false};
+};
+
+// What a unit of work adds to the checksum: n values from unit * 31 on.
+int64_t UnitSum(int64_t unit) {
+    const int64_t n = 16 + unit % 240;
+    return n * unit * 31 + n * (n - 1) / 2;
+}
+
+class Mailbox : public CWnd {
+  public:
+    explicit Mailbox(std::array<Outcome, kTasks>* outcomes) : mOutcomes(outcomes) {}
+    LRESULT WindowProc(UINT, WPARAM task, LPARAM unit) override {
+        (*mOutcomes)[task].received += 1;
+        (*mOutcomes)[task].receivedSum += unit;
+        return 0;
+    }
+
+  private:
+    std::array<Outcome, kTasks>* mOutcomes;
+};
+
+class AdvanceCounter : public LListener {
+  public:
+    std::atomic<int64_t> advances{0};
+    bool ListenToMessage(int32_t message, void* param) override {
+        auto* info = static_cast<SThreadStatusInfo*>(param);
+        if (message == kMsgThreadStatus && (info->mMask & kStatusMaskAdvance))
+            advances += info->mPosition;
+        return true;
+    }
+};
+
+class StormTask : public CVelmorantThread {
+  public:
+    StormTask(Outcome* outcome, WPARAM index, HWND mailbox, const std::atomic<bool>* stop)
+        : mOutcome(outcome), mIndex(index), mMailbox(mailbox), mStop(stop) {
+        SetWorkerThread(true);
+        mHasProgress = true;
+    }
+    ~StormTask() override { mOutcome->deleted = true; }
+    void RunSelf() override {
+        int64_t unit = 0;
+        for (; unit < kLeastUnits || !mStop->load(); ++unit) {
+            const size_t n = 16 + unit % 240;
+            auto block = std::make_unique<uint32_t[]>(n);
+            for (size_t i = 0; i < n; ++i) block[i] = static_cast<uint32_t>(unit * 31 + i);
+            int64_t sum = 0;
+            for (size_t i = 0; i < n; ++i) sum += block[i];
+            mOutcome->checksum += sum;
+            SetPos(unit + 1);
+            CThreadStatus::AdvancePosition(1);
+            if (unit % 64 == 0) SetStatus(u"working");
+            if (unit % 16 == 0) Post(unit);
+            if (mIndex != 0) Sleep(0);  // the others leave the two cores to the storm
+        }
+        mOutcome->units = unit;
+    }
+    void Post(int64_t unit) {
+        if (PostMessageW(mMailbox, WM_USER, mIndex, unit)) {
+            mOutcome->posted += 1;
+            mOutcome->postedSum += unit;
+        } else if (GetLastError() != ERROR_NOT_ENOUGH_QUOTA) {
+            mOutcome->badPost = true;
+        }
+    }
+    HANDLE Worker() {
+        CWinThread* thread = mThread;
+        return thread ? thread->m_hThread : nullptr;
+    }
+
+  private:
+    Outcome* mOutcome;
+    WPARAM mIndex;
+    HWND mMailbox;
+    const std::atomic<bool>* mStop;
+};
+
+// Busy-waits `micros` µs: a sleep would last far longer than asked.
+void Gap(int micros) {
+    const auto until = std::chrono::steady_clock::now() + std::chrono::microseconds(micros);
+    while (std::chrono::steady_clock::now() < until) {
+    }
+}
+
+void Toggle(StormTask* task, unsigned seed, bool pump) {
+    std::mt19937 random(seed);
+    std::uniform_int_distribution<int> gap(0, 100);
+    for (int i = 0; i < kToggles; ++i) {
+        task->Pause();
+        Gap(gap(random));
+        task->Continue();
+        Gap(gap(random));
+        if (pump && i % 16 == 0) PumpMessages(0);
+    }
+}
+
+// A few pauses that are checked: the worker really stops and stays still.
+std::string CheckedPauses(StormTask* task) {
+    for (int i = 0; i < 20; ++i) {
+        task->Pause();
+        if (!detail::WaitForThreadStop(task->Worker(), 20000)) return "the worker never stopped";
+        const int64_t frozen = task->GetPos();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        if (task->GetPos() != frozen) return "a paused worker went on";
+        task->Continue();
+    }
+    return "";
+}
+
+std::string Storm() {
+    CThreadDispatcher::GetThreadDispatcher();
+    std::array<Outcome, kTasks> outcomes;
+    Mailbox mailbox(&outcomes);
+    mailbox.CreateHidden();
+    AdvanceCounter counter;
+    CThreadStatus::GetThreadStatus()->AddListener(&counter);
+    std::atomic<bool> stop{false};
+    StormTask* paused = nullptr;
+    for (int t = 0; t < kTasks; ++t) {
+        auto* task = new StormTask(&outcomes[t], t, mailbox.GetSafeHwnd(), &stop);
+        if (t == 0) paused = task;
+        task->Execute();
+    }
+    std::string failure;
+    if (!WaitUntil([&] { return paused->GetPos() > 100; })) failure = "the task never started";
+    if (failure.empty()) failure = CheckedPauses(paused);
+    if (failure.empty()) {
+        std::thread other(Toggle, paused, 2u, false);
+        Toggle(paused, 1u, true);
+        other.join();
+        paused->Continue();
+    }
+    stop = true;
+    if (!PumpUntil([&] {
+            for (Outcome& o : outcomes)
+                if (!o.deleted) return false;
+            return true;
+        }))
+        return failure + "; the tasks never ended";
+    PumpMessages(0);
+    CThreadStatus::GetThreadStatus()->RemoveListener(&counter);
+    int64_t allUnits = 0;
+    for (int t = 0; t < kTasks; ++t) {
+        const Outcome& o = outcomes[t];
+        int64_t expected = 0;
+        for (int64_t unit = 0; unit < o.units; ++unit) expected += UnitSum(unit);
+        const std::string task = "task " + std::to_string(t);
+        if (o.units < kLeastUnits || o.checksum != expected) failure += "; " + task + " miscounted";
+        if (o.received != o.posted || o.receivedSum != o.postedSum || o.badPost)
+            failure += "; " + task + " lost or repeated messages";
+        allUnits += o.units;
+    }
+    if (counter.advances != allUnits) failure += "; progress reports lost";
+    return failure;
+}
+
+TEST(PauseStorm, EveryToggleReturnsAndEveryTaskEndsWithItsResult) {
+    EXPECT_COMPLETES_WITHIN(120, &Storm);
+}
+
+}  // namespace
+}  // namespace basicutils
