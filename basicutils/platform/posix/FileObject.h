@@ -5,6 +5,7 @@
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/FileApi.h>
 #include <basicutils/platform/internal/Env.h>
+#include <basicutils/platform/internal/KernelObject.h>
 #include <sys/stat.h>
 
 #include <atomic>
