@@ -102,34 +102,38 @@ void BM_FormulaToPlain(benchmark::State& state) {
     }
 }
 
-const char16_t* const kTexts[] = {u"01:02:03:04", u"10:59:59;24", u"1:2", u"00:00:01:23"};
+// Texts of mixed shapes (a short one empties and then refills fields), and
+// of one shape.
+const char16_t* const kMixed[] = {u"01:02:03:04", u"10:59:59;24", u"1:2", u"00:00:01:23"};
+const char16_t* const kOneShape[] = {u"01:02:03:04", u"10:59:59;24", u"12:34:56:07",
+                                     u"00:00:01:23"};
 
-void BM_ParserParse(benchmark::State& state) {
+void BM_ParserParse(benchmark::State& state, const char16_t* const* texts) {
     basicutils::CTimecodeParser parser;
     size_t i = 0;
     for (auto _ : state) {
-        parser.Parse(kTexts[i++ & 3], false);
+        parser.Parse(texts[i++ & 3], false);
         benchmark::DoNotOptimize(parser.GetFrame());
     }
 }
 
-void BM_TimecodeSetTimeText(benchmark::State& state) {
+void BM_TimecodeSetTimeText(benchmark::State& state, const char16_t* const* texts) {
     CTimecode t;
     size_t i = 0;
     for (auto _ : state) {
-        t.SetTime(kTexts[i++ & 3]);
+        t.SetTime(texts[i++ & 3]);
         benchmark::DoNotOptimize(t.GetFrame());
     }
 }
 
 // The alternative: one pass over the text, four numbers split off at ':'
 // or ';', no strings, no validation.
-void BM_HandSplit(benchmark::State& state) {
+void BM_HandSplit(benchmark::State& state, const char16_t* const* texts) {
     size_t i = 0;
     for (auto _ : state) {
         uint16_t f[4] = {0, 0, 0, 0};
         int k = 0;
-        for (const char16_t* p = kTexts[i++ & 3]; *p && k < 4; ++p) {
+        for (const char16_t* p = texts[i++ & 3]; *p && k < 4; ++p) {
             if (*p == u':' || *p == u';') {
                 ++k;
             } else {
@@ -145,8 +149,11 @@ BENCHMARK(BM_Nondrop2Drop);
 BENCHMARK(BM_FormulaToDrop);
 BENCHMARK(BM_Drop2Nondrop);
 BENCHMARK(BM_FormulaToPlain);
-BENCHMARK(BM_ParserParse);
-BENCHMARK(BM_HandSplit);
-BENCHMARK(BM_TimecodeSetTimeText);
+BENCHMARK_CAPTURE(BM_ParserParse, mixed, kMixed);
+BENCHMARK_CAPTURE(BM_HandSplit, mixed, kMixed);
+BENCHMARK_CAPTURE(BM_TimecodeSetTimeText, mixed, kMixed);
+BENCHMARK_CAPTURE(BM_ParserParse, one_shape, kOneShape);
+BENCHMARK_CAPTURE(BM_HandSplit, one_shape, kOneShape);
+BENCHMARK_CAPTURE(BM_TimecodeSetTimeText, one_shape, kOneShape);
 
 }  // namespace

@@ -55,15 +55,16 @@ void LBroadcaster::RemoveListener(LListener* listener) {
     listener->RemoveBroadcaster(this);
 }
 
-#if defined(__GNUC__) && !defined(__clang__)
-__attribute__((optimize("no-devirtualize-speculatively")))
-#endif
 void LBroadcaster::BroadcastMessage(int32_t message, void* param) {
     if (mListeners == nullptr || !mIsBroadcasting) return;
-    // The iterator registers with the list, so the walk survives listeners
-    // coming and going and ends cleanly if this object is destroyed by a
-    // handler. Nothing below touches `this`.
-    WalkList<LListener*>(*mListeners, [message, param](LListener* listener) {
+    Deliver(*mListeners, message, param);
+}
+
+// The walk registers with the list, so it survives listeners coming and
+// going and ends cleanly if the broadcaster is destroyed by a handler:
+// nothing here touches the broadcaster.
+void LBroadcaster::Deliver(LList& listeners, int32_t message, void* param) {
+    WalkList<LListener*>(listeners, [message, param](LListener* listener) {
         if (listener->IsListening()) listener->ListenToMessage(message, param);
     });
 }

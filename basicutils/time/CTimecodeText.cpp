@@ -5,30 +5,62 @@
 #include <basicutils/time/CTimecode.h>
 #include <basicutils/time/CTimecodeParser.h>
 
+#include <cstdint>
+
 namespace basicutils {
 
 namespace {
 
-constexpr int kTextUnits = 32;  // working buffer, terminator included
+constexpr int kTextUnits = 31;  // units read, as by a working copy of 32 with its terminator
 
 struct Fields {
     uint16_t value[4] = {0, 0, 0, 0};
 };
 
-// Up to four numbers separated by runs of ':' or ';', read by _wtoi and
-// kept to 16 bits; missing ones stay 0, extra ones are ignored.
+// The first four tokens of the first 31 units of text, separated by runs of
+// ':' or ';' (what wcstok gives), each read as _wtoi reads it (blanks, one
+// sign, digits, clamped to the int range) and kept to 16 bits; missing ones
+// stay 0. One pass over the text, no copy.
 Fields ReadFields(const char16_t* text) {
-    char16_t work[kTextUnits] = {};
-    if (text) {
-        for (int i = 0; i < kTextUnits - 1 && text[i]; ++i) work[i] = text[i];
-    }
     Fields fields;
-    char16_t* context = nullptr;
-    char16_t* token = wcstok_r(work, u":;", &context);
-    for (int i = 0; i < 4 && token; ++i) {
-        fields.value[i] = static_cast<uint16_t>(_wtoi(token));
-        token = wcstok_r(nullptr, u":;", &context);
+    if (!text) return fields;
+    enum Phase { kBetween, kBlanks, kDigits, kIgnored } phase = kBetween;
+    int field = 0;
+    bool negative = false;
+    int64_t value = 0;  // accumulated negative, whose range holds INT32_MIN
+    auto finish = [&] {
+        if (!negative) value = value < -int64_t{INT32_MAX} ? INT32_MAX : -value;
+        fields.value[field++] = static_cast<uint16_t>(value);
+    };
+    for (int i = 0; i < kTextUnits && text[i] != 0 && field < 4; ++i) {
+        const char16_t c = text[i];
+        if (c == u':' || c == u';') {
+            if (phase != kBetween) finish();
+            phase = kBetween;
+            continue;
+        }
+        if (phase == kBetween) {
+            phase = kBlanks;
+            negative = false;
+            value = 0;
+        }
+        if (phase == kBlanks) {
+            if (c == u' ' || (c >= 9 && c <= 13)) continue;
+            phase = kDigits;
+            if (c == u'-' || c == u'+') {
+                negative = c == u'-';
+                continue;
+            }
+        }
+        if (phase != kDigits) continue;
+        if (c < u'0' || c > u'9') {
+            phase = kIgnored;
+        } else if ((value = value * 10 - (c - u'0')) < int64_t{INT32_MIN}) {
+            value = negative ? INT32_MIN : -int64_t{INT32_MAX};  // clamped, as _wtoi
+            phase = kIgnored;
+        }
     }
+    if (phase != kBetween && field < 4) finish();
     return fields;
 }
 
