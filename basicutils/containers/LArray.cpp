@@ -387,6 +387,10 @@ void LArray::PokeItem(int32_t index, const void* item, uint32_t size) {
 void LArray::InternalAdjustAllocation(uint32_t, uint32_t bytes) {
     if (bytes == mAllocatedBytes) return;
     if (mItems != nullptr) {
+        // The block may move: a walk that holds its place in it must reload.
+        for (LArrayIterator* it = mFirstIterator; it != nullptr; it = it->GetNextIterator()) {
+            it->SyncWalk(mItemCount);
+        }
         mItems->Resize(bytes);
     } else {
         mItems = new Handle(bytes);

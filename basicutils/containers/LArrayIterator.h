@@ -150,34 +150,34 @@ template <class Item, class Visit>
 void LArrayIterator::WalkPlainList(LArray& list, Visit visit) {
     static_assert(sizeof(Item) == sizeof(void*));
     // On an empty list Next gives nothing at once: no visit, nothing to see.
-    auto count = static_cast<int32_t>(list.mItemCount);
-    if (count == 0) return;
+    if (list.mItemCount == 0) return;
     // While unreported only mCurrentIndex is kept up to date; the first
-    // report of an edit works out mNextIndex (see SyncWalk).
+    // report of an edit or of a new allocation works out mNextIndex (see
+    // SyncWalk) and ends the stretch.
     LArrayIterator walk(list, kWalkStart);
     int32_t index = 1;
     for (;;) {
-        const char* at = list.mItems->mBlock + static_cast<size_t>(index - 1) * sizeof(Item);
+        const auto* at = reinterpret_cast<const Item*>(list.mItems->mBlock) + (index - 1);
+        const Item* last = at + (static_cast<int32_t>(list.mItemCount) - index);
         for (;;) {
             Item item;
             std::memcpy(&item, at, sizeof(Item));
             visit(item);
             if (walk.mWalkState != kWalkUnreported) break;
-            if (index == count) {
+            if (at == last) {
                 walk.mCurrentIndex = kIteratorPastEnd;
                 walk.mNextIndex = kIteratorPastEnd;
                 return;
             }
-            at += sizeof(Item);
+            ++at;
             walk.mCurrentIndex = ++index;
         }
-        // An edit was reported: one Next from the fields, then on.
+        // Reported: one Next from the fields, then on.
         if (walk.mCurrentIndex == kIteratorArrayDead) return;
         walk.mCurrentIndex = walk.mNextIndex;
         walk.CalcNextIndex();
         index = walk.mCurrentIndex;
-        count = static_cast<int32_t>(list.mItemCount);
-        if (index < 1 || index > count) return;
+        if (index < 1 || index > static_cast<int32_t>(list.mItemCount)) return;
         walk.mWalkState = kWalkUnreported;
     }
 }

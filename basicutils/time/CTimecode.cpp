@@ -106,7 +106,7 @@ bool CTimecode::StoreIfChanged(T& field, T value, T current, void (CTimecode::*h
 bool CTimecode::StoreIfChanged(uint16_t& field, uint16_t value) {
     if (field == value) return false;
     field = value;
-    Notify(kNotifyTimecodeChanged, 0, 0);
+    if (mListeners != nullptr) Notify(kNotifyTimecodeChanged, 0, 0);  // else it reaches nobody
     return true;
 }
 

@@ -104,7 +104,7 @@ void CTimecode::AssignAt30(uint16_t hour, uint16_t minute, uint16_t second, uint
     mMinute = minute;
     mSecond = second;
     mFrame = frame;
-    Notify(kNotifyTimecodeChanged, 0, 0);
+    if (mListeners != nullptr) Notify(kNotifyTimecodeChanged, 0, 0);  // else it reaches nobody
 }
 
 void CTimecode::Drop2Nondrop(const CTimecode& start, CTimecode* result) const {

@@ -17,50 +17,51 @@ struct Fields {
     uint16_t value[4] = {0, 0, 0, 0};
 };
 
+bool IsSeparator(char16_t c) {
+    return c == u':' || c == u';';
+}
+
+// _wtoi of the token [p, end): blanks, one sign, digits, clamped to the int
+// range; kept to 16 bits.
+uint16_t ReadNumber(const char16_t* p, const char16_t* end) {
+    while (p < end && (*p == u' ' || (*p >= 9 && *p <= 13))) ++p;
+    bool negative = false;
+    if (p < end && (*p == u'-' || *p == u'+')) negative = *p++ == u'-';
+    int64_t value = 0;  // accumulated negative, whose range holds INT32_MIN
+    for (; p < end && *p >= u'0' && *p <= u'9'; ++p) {
+        value = value * 10 - (*p - u'0');
+        if (value < int64_t{INT32_MIN}) {
+            return static_cast<uint16_t>(negative ? INT32_MIN : INT32_MAX);
+        }
+    }
+    if (!negative) value = value < -int64_t{INT32_MAX} ? INT32_MAX : -value;
+    return static_cast<uint16_t>(value);
+}
+
 // The first four tokens of the first 31 units of text, separated by runs of
-// ':' or ';' (what wcstok gives), each read as _wtoi reads it (blanks, one
-// sign, digits, clamped to the int range) and kept to 16 bits; missing ones
-// stay 0. One pass over the text, no copy.
+// ':' or ';' (what wcstok gives), each read as _wtoi reads it and kept to
+// 16 bits; missing ones stay 0. One pass, no copy: a token of up to nine
+// plain digits is read on the way, any other by ReadNumber.
 Fields ReadFields(const char16_t* text) {
     Fields fields;
     if (!text) return fields;
-    enum Phase { kBetween, kBlanks, kDigits, kIgnored } phase = kBetween;
-    int field = 0;
-    bool negative = false;
-    int64_t value = 0;  // accumulated negative, whose range holds INT32_MIN
-    auto finish = [&] {
-        if (!negative) value = value < -int64_t{INT32_MAX} ? INT32_MAX : -value;
-        fields.value[field++] = static_cast<uint16_t>(value);
-    };
-    for (int i = 0; i < kTextUnits && text[i] != 0 && field < 4; ++i) {
-        const char16_t c = text[i];
-        if (c == u':' || c == u';') {
-            if (phase != kBetween) finish();
-            phase = kBetween;
-            continue;
+    const char16_t* end = text;
+    while (end - text < kTextUnits && *end != 0) ++end;
+    const char16_t* p = text;
+    for (int field = 0; field < 4; ++field) {
+        while (p < end && IsSeparator(*p)) ++p;
+        if (p == end) break;
+        const char16_t* start = p;
+        uint32_t value = 0;
+        for (; p < end && p - start < 9 && static_cast<char16_t>(*p - u'0') <= 9; ++p) {
+            value = value * 10 + (*p - u'0');
         }
-        if (phase == kBetween) {
-            phase = kBlanks;
-            negative = false;
-            value = 0;
+        if (p == start || (p < end && !IsSeparator(*p))) {
+            while (p < end && !IsSeparator(*p)) ++p;
+            value = ReadNumber(start, p);
         }
-        if (phase == kBlanks) {
-            if (c == u' ' || (c >= 9 && c <= 13)) continue;
-            phase = kDigits;
-            if (c == u'-' || c == u'+') {
-                negative = c == u'-';
-                continue;
-            }
-        }
-        if (phase != kDigits) continue;
-        if (c < u'0' || c > u'9') {
-            phase = kIgnored;
-        } else if ((value = value * 10 - (c - u'0')) < int64_t{INT32_MIN}) {
-            value = negative ? INT32_MIN : -int64_t{INT32_MAX};  // clamped, as _wtoi
-            phase = kIgnored;
-        }
+        fields.value[field] = static_cast<uint16_t>(value);
     }
-    if (phase != kBetween && field < 4) finish();
     return fields;
 }
 
