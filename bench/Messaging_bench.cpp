@@ -1,9 +1,13 @@
 // The cost of a broadcast per listener call, against the plain alternative:
-// a loop of virtual calls over a std::vector of the same listeners.
-#include <basicutils/messaging/LBroadcaster.h>
+// a loop of virtual calls over an array of listeners. The listeners of both
+// sides and the alternative's loop live in the Messaging_bench_targets
+// library (see Messaging_bench.h), so neither loop can be devirtualised and
+// each side is one call from here. Target: a broadcast costs at most 1.1
+// times the loop per listener at 8 and 64 listeners.
+#include "Messaging_bench.h"
+
 #include <benchmark/benchmark.h>
 
-#include <memory>
 #include <vector>
 
 namespace {
@@ -11,61 +15,36 @@ namespace {
 using basicutils::LBroadcaster;
 using basicutils::LListener;
 
-// Both kinds of handler are kept out of line, as a listener's handler is in
-// a real broadcast (it lives in another module), so the baseline measures
-// real virtual calls and not an inlined loop.
-struct CountingListener : LListener {
-    [[gnu::noinline]] bool ListenToMessage(int32_t message, void*) override {
-        sum += message;
-        return true;
-    }
-    int64_t sum = 0;
-};
-
-// The baseline: what a hand-written observer list does.
-struct PlainListener {
-    virtual ~PlainListener() = default;
-    virtual bool Listen(int32_t message, void*) = 0;
-};
-struct CountingPlain : PlainListener {
-    [[gnu::noinline]] bool Listen(int32_t message, void*) override {
-        sum += message;
-        return true;
-    }
-    int64_t sum = 0;
-};
-
 void BM_Broadcast(benchmark::State& state) {
     const auto n = static_cast<size_t>(state.range(0));
     LBroadcaster broadcaster;
-    std::vector<std::unique_ptr<CountingListener>> listeners;
+    std::vector<std::unique_ptr<LListener>> listeners;
     for (size_t i = 0; i < n; ++i) {
-        listeners.push_back(std::make_unique<CountingListener>());
+        listeners.push_back(bench::MakeCountingListener());
         broadcaster.AddListener(listeners.back().get());
     }
     for (auto _ : state) broadcaster.BroadcastMessage(1, nullptr);
     state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * n));
-    benchmark::DoNotOptimize(listeners.front()->sum);
 }
 
-void BM_PlainVirtualLoop(benchmark::State& state) {
+void BM_VirtualLoop(benchmark::State& state) {
     const auto n = static_cast<size_t>(state.range(0));
-    std::vector<std::unique_ptr<CountingPlain>> owned;
-    std::vector<PlainListener*> listeners;
+    std::vector<std::unique_ptr<bench::PlainListener>> owned;
+    std::vector<bench::PlainListener*> listeners;
     for (size_t i = 0; i < n; ++i) {
-        owned.push_back(std::make_unique<CountingPlain>());
+        owned.push_back(bench::MakeCountingPlain());
         listeners.push_back(owned.back().get());
     }
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(listeners.data());
-        for (PlainListener* l : listeners) l->Listen(1, nullptr);
-        benchmark::ClobberMemory();
-    }
+    for (auto _ : state) bench::CallEach(listeners.data(), listeners.size(), 1, nullptr);
     state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * n));
-    benchmark::DoNotOptimize(owned.front()->sum);
 }
 
-BENCHMARK(BM_Broadcast)->Arg(1)->Arg(8)->Arg(64);
-BENCHMARK(BM_PlainVirtualLoop)->Arg(1)->Arg(8)->Arg(64);
+// Library and alternative alternate at each size.
+BENCHMARK(BM_Broadcast)->Arg(1);
+BENCHMARK(BM_VirtualLoop)->Arg(1);
+BENCHMARK(BM_Broadcast)->Arg(8);
+BENCHMARK(BM_VirtualLoop)->Arg(8);
+BENCHMARK(BM_Broadcast)->Arg(64);
+BENCHMARK(BM_VirtualLoop)->Arg(64);
 
 }  // namespace

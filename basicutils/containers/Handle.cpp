@@ -7,8 +7,6 @@
 namespace basicutils {
 namespace {
 
-constexpr uint32_t kLargestSize = 0xFFFFFEFFu;
-
 char* AllocateBlock(size_t bytes) {
     void* p = std::malloc(bytes);
     if (p == nullptr) throw std::bad_alloc();
@@ -16,11 +14,6 @@ char* AllocateBlock(size_t bytes) {
 }
 
 }  // namespace
-
-uint32_t Handle::GetAllocSize(uint32_t size) {
-    if (size > kLargestSize) return 0;
-    return ((size >> 8) + 1) << 8;
-}
 
 Handle::Handle() : mSize(0), mAllocSize(0), mBlock(nullptr), mCapacity(0) {}
 

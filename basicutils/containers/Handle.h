@@ -36,7 +36,9 @@ class BASICUTILS_EXPORT Handle {
     virtual ~Handle();
 
     // The next multiple of 256 above size; 0 when that does not fit 32 bits.
-    static uint32_t GetAllocSize(uint32_t size);
+    static uint32_t GetAllocSize(uint32_t size) {
+        return size > kLargestSize ? 0 : ((size >> 8) + 1) << 8;
+    }
 
     virtual void Resize(uint32_t size);
     virtual char* Lock();
@@ -45,8 +47,24 @@ class BASICUTILS_EXPORT Handle {
 
     uint32_t GetSize() const { return mSize; }
 
+    // Handle::Resize(size) where it needs no memory: records the sizes and
+    // returns true; returns false, changing nothing, where Resize would have
+    // to allocate, move or give back memory. Only for an object that is
+    // exactly a Handle (no override of Resize).
+    bool ResizeInPlace(uint32_t size) {
+        if (mBlock == nullptr || size > kLargestSize) return false;
+        const uint32_t alloc = GetAllocSize(size);
+        if (alloc != mAllocSize && (alloc > mCapacity || alloc < mCapacity / 4)) return false;
+        mAllocSize = alloc;
+        mSize = size;
+        return true;
+    }
+
   protected:
+    friend class LArray;          // reads mBlock on its inline paths
     friend class LArrayIterator;  // reads mBlock on the broadcasters' walk
+
+    static constexpr uint32_t kLargestSize = 0xFFFFFEFFu;
 
     uint32_t mSize;
     uint32_t mAllocSize;

@@ -1,8 +1,10 @@
 #include <basicutils/containers/Handle.h>
 #include <basicutils/containers/LArray.h>
 #include <basicutils/containers/LArrayIterator.h>
+#include <basicutils/containers/LList.h>
 #include <basicutils/containers/UMemUtils.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 
@@ -64,6 +66,17 @@ bool BinaryProbe(int32_t count, Compare compare, int32_t& mid, int32_t& r) {
         }
     }
     return false;
+}
+
+// The 1-based index of the first of count values of type T in block equal
+// to the value at item, or 0.
+template <typename T>
+int32_t ScanFor(const char* block, uint32_t count, const void* item) {
+    T wanted;
+    std::memcpy(&wanted, item, sizeof wanted);
+    const T* first = reinterpret_cast<const T*>(block);
+    const T* found = std::find(first, first + count, wanted);
+    return found == first + count ? 0 : static_cast<int32_t>(found - first + 1);
 }
 
 }  // namespace
@@ -131,10 +144,33 @@ bool LArray::FetchItemAt(int32_t index, void* buffer) const {
 int32_t LArray::FetchIndexOf(const void* item, uint32_t size) const {
     if (size == 0) size = mItemSize;
     if (mItemCount == 0) return 0;
-    return mIsSorted ? BinarySearch(item, size) : LinearSearch(item, size);
+    if (mIsSorted) return BinarySearch(item, size);
+    if (IsPlainArray()) {
+        // The shared comparators' equality is a plain comparison of values
+        // (or of bytes) and calls out to nothing, so a scan of the block
+        // finds what LinearSearch would.
+        const char* block = mItems->mBlock;
+        if (mComparator == &sPointerComparator && mItemSize == sizeof(intptr_t)) {
+            return ScanFor<intptr_t>(block, mItemCount, item);
+        }
+        if (mComparator == &sLongComparator && mItemSize == sizeof(uint32_t)) {
+            return ScanFor<uint32_t>(block, mItemCount, item);
+        }
+        if (mComparator == &sBytesComparator) {
+            if (size != mItemSize) return 0;  // blocks of other sizes never compare equal
+            for (uint32_t i = 0; i < mItemCount; ++i, block += mItemSize) {
+                if (std::memcmp(block, item, size) == 0) return static_cast<int32_t>(i + 1);
+            }
+            return 0;
+        }
+    }
+    return LinearSearch(item, size);
 }
 
-int32_t LArray::InsertItemsAt(uint32_t count, int32_t index, const void* item, uint32_t size) {
+const std::type_info* const LArray::sPlainTypes[2] = {&typeid(LArray), &typeid(LList)};
+
+int32_t LArray::InsertItemsAtGeneral(uint32_t count, int32_t index, const void* item,
+                                     uint32_t size) {
     if (count == 0 || mLockCount != 0) return 0;
     if (size == 0) size = mItemSize;
     const uint64_t newCount = uint64_t{mItemCount} + count;
@@ -351,6 +387,10 @@ void LArray::PokeItem(int32_t index, const void* item, uint32_t size) {
 void LArray::InternalAdjustAllocation(uint32_t, uint32_t bytes) {
     if (bytes == mAllocatedBytes) return;
     if (mItems != nullptr) {
+        // The block may move: a walk that holds its place in it must reload.
+        for (LArrayIterator* it = mFirstIterator; it != nullptr; it = it->GetNextIterator()) {
+            it->SyncWalk(mItemCount);
+        }
         mItems->Resize(bytes);
     } else {
         mItems = new Handle(bytes);

@@ -42,13 +42,15 @@
 #pragma once
 
 #include <basicutils/Export.h>
+#include <basicutils/containers/Handle.h>
 #include <basicutils/containers/LComparator.h>
 
 #include <cstdint>
+#include <cstring>
+#include <typeinfo>
 
 namespace basicutils {
 
-class Handle;
 class LArrayIterator;
 
 inline constexpr int32_t kLastIndex = 0x7fffffff;
@@ -123,6 +125,39 @@ class BASICUTILS_EXPORT LArray {
 
     friend class LArrayIterator;
 
+  private:
+    // True when this object is exactly an LArray or an LList, so that no
+    // virtual operation is overridden, mItems (if any) is a plain Handle and
+    // the inline paths below may stand in for the general ones.
+    bool IsPlainArray() const {
+        const std::type_info* type = &typeid(*this);
+        return type == sPlainTypes[0] || type == sPlainTypes[1];
+    }
+    // The append of one item of mItemSize bytes where the block has room in
+    // its present allocation; false, with nothing changed, elsewhere.
+    bool AppendInPlace(const void* item);
+    int32_t InsertItemsAtGeneral(uint32_t count, int32_t index, const void* item, uint32_t size);
+    // A move of one small item through a register. Inlined into a caller
+    // that passes a smaller object to an array of larger items, g++ warns of
+    // the branch for the larger size, which that array never takes.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Warray-bounds"
+#pragma GCC diagnostic ignored "-Wstringop-overread"
+#endif
+    template <size_t N>
+    static void CopyItem(char* to, const void* from) {
+        char bytes[N];
+        std::memcpy(bytes, from, N);
+        std::memcpy(to, bytes, N);
+    }
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
+
+    static const std::type_info* const sPlainTypes[2];
+
+  protected:
     uint32_t mItemSize;
     uint32_t mItemCount;
     uint32_t mItemsBytes;
@@ -135,5 +170,48 @@ class BASICUTILS_EXPORT LArray {
     bool mIsSorted;
     bool mKeepSorted;
 };
+
+// Appends by a plain LArray or LList of an item of the item size are the
+// common edit of the library's lists; they are done here, in line, when no
+// memory has to move, with the same effects as the general path.
+inline int32_t LArray::InsertItemsAt(uint32_t count, int32_t index, const void* item,
+                                     uint32_t size) {
+    if (count == 1 && item != nullptr && (size == 0 || size == mItemSize) && mLockCount == 0 &&
+        !mKeepSorted && static_cast<int64_t>(index) > static_cast<int64_t>(mItemCount) &&
+        IsPlainArray() && AppendInPlace(item)) {
+        return static_cast<int32_t>(mItemCount);
+    }
+    return InsertItemsAtGeneral(count, index, item, size);
+}
+
+inline bool LArray::AppendInPlace(const void* item) {
+    const uint64_t newCount = uint64_t{mItemCount} + 1;
+    const uint64_t newBytes = newCount * mItemSize;
+    // The general path refuses counts and sizes that could overflow.
+    if (mItems == nullptr || newCount > uint64_t{kLastIndex} - 1 ||
+        newBytes + mItemSize > Handle::kLargestSize) {
+        return false;
+    }
+    if (newBytes > mAllocatedBytes) {
+        // Room for one more item beyond this one, as AdjustStorage asks.
+        const auto request = static_cast<uint32_t>(newBytes + mItemSize);
+        if (!mItems->ResizeInPlace(request)) return false;
+        mAllocatedBytes = request;
+    }
+    // The block has not moved, so an item that lies in it is still intact.
+    char* slot = mItems->mBlock + mItemsBytes;
+    if (mItemSize == sizeof(void*)) {
+        CopyItem<sizeof(void*)>(slot, item);
+    } else if (mItemSize == 4) {
+        CopyItem<4>(slot, item);
+    } else {
+        std::memmove(slot, item, mItemSize);
+    }
+    mItemsBytes = static_cast<uint32_t>(newBytes);
+    mItemCount = static_cast<uint32_t>(newCount);
+    mIsSorted = false;
+    if (mFirstIterator != nullptr) ItemsInserted(1, static_cast<int32_t>(mItemCount));
+    return true;
+}
 
 }  // namespace basicutils

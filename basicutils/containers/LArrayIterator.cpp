@@ -51,7 +51,16 @@ bool LArrayIterator::CalcPreviousIndex() {
     return true;
 }
 
+void LArrayIterator::SyncWalk(int64_t countBeforeEdit) {
+    if (mWalkState != kWalkUnreported) return;
+    // What Next left in mNextIndex when it stepped onto mCurrentIndex.
+    mNextIndex =
+        mCurrentIndex + int64_t{1} > countBeforeEdit ? kIteratorPastEnd : mCurrentIndex + 1;
+    mWalkState = kWalkReported;
+}
+
 void LArrayIterator::ArrayDied() {
+    if (mWalkState == kWalkUnreported) mWalkState = kWalkReported;
     mCurrentIndex = kIteratorArrayDead;
     mNextIndex = kIteratorArrayDead;
     mNextIterator = nullptr;
@@ -59,6 +68,7 @@ void LArrayIterator::ArrayDied() {
 }
 
 void LArrayIterator::ItemsInserted(uint32_t count, int32_t index) {
+    SyncWalk(int64_t{mArray->GetCount()} - count);
     if (mCurrentIndex == kIteratorItemRemoved) {
         if (index <= mNextIndex) mNextIndex += static_cast<int32_t>(count);
         return;
@@ -68,6 +78,7 @@ void LArrayIterator::ItemsInserted(uint32_t count, int32_t index) {
 }
 
 void LArrayIterator::ItemsRemoved(uint32_t count, int32_t index) {
+    SyncWalk(int64_t{mArray->GetCount()} + count);
     const int64_t end = int64_t{index} + count;  // first index after the range
     const auto newCount = static_cast<int64_t>(mArray->GetCount());
     if (mCurrentIndex == kIteratorItemRemoved) {

@@ -54,22 +54,15 @@ class BASICUTILS_EXPORT LArrayIterator {
     // The raw position, special values included.
     int32_t GetCurrentIndex() const { return mCurrentIndex; }
 
-    // Next for a walk over a plain LList of pointer-sized items, the kind that
-    // broadcasters and listeners keep: the same indices and the same item as
-    // Next, read directly instead of through the array's virtual operations.
-    // Only for arrays whose class overrides none of them.
-    bool NextPointerItem(void* item) {
-        if (mCurrentIndex == kIteratorArrayDead) return false;
-        mCurrentIndex = mNextIndex;
-        if (mCurrentIndex == kIteratorPastEnd) return false;
-        const int64_t count = mArray->mItemCount;
-        mNextIndex = mCurrentIndex + int64_t{1} > count ? kIteratorPastEnd : mCurrentIndex + 1;
-        if (mCurrentIndex < 1 || mCurrentIndex > count) return false;
-        const char* block = mArray->mItems->mBlock;
-        std::memcpy(item, block + static_cast<size_t>(mCurrentIndex - 1) * sizeof(void*),
-                    sizeof(void*));
-        return true;
-    }
+    // The walk of an iterator made at position 0 and Next(&item) until it
+    // returns false, over a list whose class is exactly LList (IsPlainList):
+    // visit(item) gets each pointer-sized item that Next would give, and the
+    // walk's iterator passes through the same states. Between two visits
+    // nothing is reloaded unless the list reported an insertion, a removal
+    // or its death; then the walk resumes from the iterator's fields as Next
+    // does.
+    template <class Item, class Visit>
+    static void WalkPlainList(LArray& list, Visit visit);
 
   protected:
     friend class LArray;
@@ -86,6 +79,21 @@ class BASICUTILS_EXPORT LArrayIterator {
     LArray* mArray;
     int32_t mCurrentIndex;
     int32_t mNextIndex;
+
+  private:
+    // Registers a walk standing on item 1 of a list that is not empty.
+    enum WalkStart { kWalkStart };
+    LArrayIterator(LArray& list, WalkStart);
+
+    // The state of WalkPlainList. While it is kWalkUnreported the walk
+    // keeps its place in registers and mNextIndex is stale; the first report
+    // of the array (insertion, removal, death) restores mNextIndex from the
+    // count before the edit and moves to kWalkReported, which ends the fast
+    // stretch.
+    enum WalkState : uint8_t { kNotWalking, kWalkUnreported, kWalkReported };
+    void SyncWalk(int64_t countBeforeEdit);
+
+    WalkState mWalkState;
 };
 
 class BASICUTILS_EXPORT LListIterator : public LArrayIterator {
@@ -99,7 +107,8 @@ inline LArrayIterator::LArrayIterator(LArray& array, int32_t position)
     : mNextIterator(nullptr),
       mArray(&array),
       mCurrentIndex(kIteratorBeforeFirst),
-      mNextIndex(kIteratorBeforeFirst) {
+      mNextIndex(kIteratorBeforeFirst),
+      mWalkState(kNotWalking) {
     mArray->AttachIterator(this);
     ResetTo(position);
 }
@@ -126,6 +135,51 @@ inline void LArrayIterator::CalcNextIndex() {
     }
     const int64_t next = int64_t{mCurrentIndex} + 1;
     mNextIndex = next > int64_t{mArray->GetCount()} ? kIteratorPastEnd : static_cast<int32_t>(next);
+}
+
+inline LArrayIterator::LArrayIterator(LArray& list, WalkStart)
+    : mNextIterator(list.mFirstIterator),
+      mArray(&list),
+      mCurrentIndex(1),
+      mNextIndex(kIteratorPastEnd),
+      mWalkState(kWalkUnreported) {
+    list.mFirstIterator = this;
+}
+
+template <class Item, class Visit>
+void LArrayIterator::WalkPlainList(LArray& list, Visit visit) {
+    static_assert(sizeof(Item) == sizeof(void*));
+    // On an empty list Next gives nothing at once: no visit, nothing to see.
+    if (list.mItemCount == 0) return;
+    // While unreported only mCurrentIndex is kept up to date; the first
+    // report of an edit or of a new allocation works out mNextIndex (see
+    // SyncWalk) and ends the stretch.
+    LArrayIterator walk(list, kWalkStart);
+    int32_t index = 1;
+    for (;;) {
+        const auto* at = reinterpret_cast<const Item*>(list.mItems->mBlock) + (index - 1);
+        const Item* last = at + (static_cast<int32_t>(list.mItemCount) - index);
+        for (;;) {
+            Item item;
+            std::memcpy(&item, at, sizeof(Item));
+            visit(item);
+            if (walk.mWalkState != kWalkUnreported) break;
+            if (at == last) {
+                walk.mCurrentIndex = kIteratorPastEnd;
+                walk.mNextIndex = kIteratorPastEnd;
+                return;
+            }
+            ++at;
+            walk.mCurrentIndex = ++index;
+        }
+        // Reported: one Next from the fields, then on.
+        if (walk.mCurrentIndex == kIteratorArrayDead) return;
+        walk.mCurrentIndex = walk.mNextIndex;
+        walk.CalcNextIndex();
+        index = walk.mCurrentIndex;
+        if (index < 1 || index > static_cast<int32_t>(list.mItemCount)) return;
+        walk.mWalkState = kWalkUnreported;
+    }
 }
 
 inline void LArray::AttachIterator(LArrayIterator* iterator) {

@@ -12,6 +12,7 @@
 #include <basicutils/containers/LArray.h>
 
 #include <cstdint>
+#include <typeinfo>
 
 namespace basicutils {
 
@@ -24,6 +25,10 @@ class BASICUTILS_EXPORT LList : public LArray {
     // Overwrites the item at a valid index; otherwise inserts there, which
     // prepends or appends by the clamping of InsertItemsAt.
     virtual void SetItemAt(int32_t index, const void* item);
+
+    // True when this object is exactly an LList, so that none of the array's
+    // virtual operations is overridden and its storage may be read directly.
+    bool IsPlainList() const { return typeid(*this) == typeid(LList); }
 };
 
 }  // namespace basicutils

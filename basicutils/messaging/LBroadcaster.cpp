@@ -4,6 +4,25 @@
 
 namespace basicutils {
 
+namespace {
+
+// Walks a list of pointers from position 0 to the end, as LListIterator's
+// Next does, calling visit(item) for each. A plain LList is walked without
+// going through the array's virtual operations.
+template <class Item, class Visit>
+void WalkList(LList& list, Visit visit) {
+    if (list.IsPlainList()) {
+        LArrayIterator::WalkPlainList<Item>(list, visit);
+        return;
+    }
+    LListIterator iterator(list, 0);
+    Item item = nullptr;
+    uint32_t size = sizeof item;
+    while (iterator.Next(&item, size)) visit(item);
+}
+
+}  // namespace
+
 LBroadcaster::LBroadcaster() : mListeners(nullptr), mIsBroadcasting(true) {}
 
 LBroadcaster::LBroadcaster(const LBroadcaster& other)
@@ -17,9 +36,8 @@ LBroadcaster& LBroadcaster::operator=(const LBroadcaster& other) {
 LBroadcaster::~LBroadcaster() {
     BroadcastMessage(kMsgBroadcasterDied, this);
     if (mListeners != nullptr) {
-        LListIterator iterator(*mListeners, 0);
-        LListener* listener = nullptr;
-        while (iterator.NextPointerItem(&listener)) listener->RemoveBroadcaster(this);
+        WalkList<LListener*>(*mListeners,
+                             [this](LListener* listener) { listener->RemoveBroadcaster(this); });
         delete mListeners;
     }
 }
@@ -39,14 +57,20 @@ void LBroadcaster::RemoveListener(LListener* listener) {
 
 void LBroadcaster::BroadcastMessage(int32_t message, void* param) {
     if (mListeners == nullptr || !mIsBroadcasting) return;
-    // The iterator registers with the list, so the walk survives listeners
-    // coming and going and ends cleanly if this object is destroyed by a
-    // handler. Nothing below touches `this`.
-    LListIterator iterator(*mListeners, 0);
-    LListener* listener = nullptr;
-    while (iterator.NextPointerItem(&listener)) {
+    Deliver(*mListeners, message, param);
+}
+
+// The walk registers with the list, so it survives listeners coming and
+// going and ends cleanly if the broadcaster is destroyed by a handler:
+// nothing here touches the broadcaster. (g++ would otherwise guard each call
+// with a test for LListener's own handler, which costs every listener.)
+#if defined(__GNUC__) && !defined(__clang__)
+__attribute__((optimize("no-devirtualize-speculatively")))
+#endif
+void LBroadcaster::Deliver(LList& listeners, int32_t message, void* param) {
+    WalkList<LListener*>(listeners, [message, param](LListener* listener) {
         if (listener->IsListening()) listener->ListenToMessage(message, param);
-    }
+    });
 }
 
 LListener::LListener() : mBroadcasters(nullptr), mIsListening(true) {}
@@ -61,9 +85,9 @@ LListener& LListener::operator=(const LListener& other) {
 
 LListener::~LListener() {
     if (mBroadcasters != nullptr) {
-        LListIterator iterator(*mBroadcasters, 0);
-        LBroadcaster* broadcaster = nullptr;
-        while (iterator.NextPointerItem(&broadcaster)) broadcaster->RemoveListener(this);
+        WalkList<LBroadcaster*>(*mBroadcasters, [this](LBroadcaster* broadcaster) {
+            broadcaster->RemoveListener(this);
+        });
         delete mBroadcasters;
     }
 }

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <typeinfo>
 
 namespace basicutils {
 
@@ -34,6 +35,15 @@ uint16_t FrameLimit(frame_type_t type) {
         default:
             return 30;
     }
+}
+
+uint16_t ValidMinuteOrSecond(uint16_t value) {
+    return value < 60 ? value : 59;
+}
+
+uint16_t ValidFrame(uint16_t frame, double rate) {
+    if (frame < rate) return frame;
+    return static_cast<uint16_t>(static_cast<int32_t>(rate - 1.0));
 }
 
 // A fresh result at the left operand's rate and frame type, set from a count.
@@ -93,6 +103,13 @@ bool CTimecode::StoreIfChanged(T& field, T value, T current, void (CTimecode::*h
     return true;
 }
 
+bool CTimecode::StoreIfChanged(uint16_t& field, uint16_t value) {
+    if (field == value) return false;
+    field = value;
+    if (mListeners != nullptr) Notify(kNotifyTimecodeChanged, 0, 0);  // else it reaches nobody
+    return true;
+}
+
 bool CTimecode::SetHour(uint16_t hour) {
     uint16_t value = ValidateHour(hour);
     return StoreIfChanged(mHour, value, GetHour(), &CTimecode::TrickleDownHourChange);
@@ -124,17 +141,15 @@ uint16_t CTimecode::ValidateHour(uint16_t hour) {
 }
 
 uint16_t CTimecode::ValidateMinute(uint16_t minute) {
-    return minute < 60 ? minute : 59;
+    return ValidMinuteOrSecond(minute);
 }
 
 uint16_t CTimecode::ValidateSecond(uint16_t second) {
-    return second < 60 ? second : 59;
+    return ValidMinuteOrSecond(second);
 }
 
 uint16_t CTimecode::ValidateFrame(uint16_t frame) {
-    double rate = GetFrameRate();
-    if (frame < rate) return frame;
-    return static_cast<uint16_t>(static_cast<int32_t>(rate - 1.0));
+    return ValidFrame(frame, GetFrameRate());
 }
 
 double CTimecode::ValidateFrameRate(double rate) {
@@ -151,6 +166,14 @@ void CTimecode::GetTime(uint16_t& hour, uint16_t& minute, uint16_t& second, uint
 }
 
 bool CTimecode::SetTime(uint16_t hour, uint16_t minute, uint16_t second, uint16_t frame) {
+    if (typeid(*this) == typeid(CTimecode)) {
+        // Nothing is overridden: the four setters' protocol without the
+        // virtual calls (the validators here, the hooks empty).
+        bool changed = StoreIfChanged(mHour, hour);
+        changed = StoreIfChanged(mMinute, ValidMinuteOrSecond(minute)) || changed;
+        changed = StoreIfChanged(mSecond, ValidMinuteOrSecond(second)) || changed;
+        return StoreIfChanged(mFrame, ValidFrame(frame, mFrameRate)) || changed;
+    }
     bool changed = SetHour(hour);
     changed = SetMinute(minute) || changed;
     changed = SetSecond(second) || changed;

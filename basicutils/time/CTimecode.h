@@ -156,6 +156,10 @@ class BASICUTILS_EXPORT CTimecode : public LNotifier {
   private:
     template <class T>
     bool StoreIfChanged(T& field, T value, T current, void (CTimecode::*hook)());
+    // The same for a field of an object that is exactly a CTimecode.
+    bool StoreIfChanged(uint16_t& field, uint16_t value);
+    // operator= from a timecode at 30.0 with these counters.
+    void AssignAt30(uint16_t hour, uint16_t minute, uint16_t second, uint16_t frame);
 
   protected:
     double mFrameRate;

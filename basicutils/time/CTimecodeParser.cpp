@@ -1,8 +1,8 @@
 #include <basicutils/text/WideString.h>
 #include <basicutils/time/CTimecodeParser.h>
 
+#include <algorithm>
 #include <string>
-#include <string_view>
 
 namespace basicutils {
 
@@ -27,8 +27,28 @@ MString TwoDigits(uint16_t value) {
     return MString(text);
 }
 
-MString Piece(std::u16string_view text) {
-    return MString(std::u16string(text).c_str());
+// Sets a field to the units [first, last) of a text. A piece no longer
+// than the field's text is written into its block (an MString keeps its
+// block when it gets shorter), so a parser reused on texts of one shape
+// allocates nothing.
+void SetPiece(MString& field, const char16_t* first, const char16_t* last) {
+    char16_t* block = field;
+    const char16_t* end = block;
+    while (*end != 0 && end - block < last - first) ++end;
+    if (end - block == last - first) {
+        std::copy(first, last, block);
+        block[last - first] = 0;
+        return;
+    }
+    field = std::u16string(first, last).c_str();
+}
+
+// The last unit c in [first, last), or null.
+const char16_t* FindLast(const char16_t* first, const char16_t* last, char16_t c) {
+    while (last != first) {
+        if (*--last == c) return last;
+    }
+    return nullptr;
 }
 
 }  // namespace
@@ -54,26 +74,27 @@ CTimecodeParser& CTimecodeParser::operator=(const CTimecodeParser& other) {
 CTimecodeParser::~CTimecodeParser() = default;
 
 void CTimecodeParser::Parse(const char16_t* text, bool keepFrameType) {
-    mHourText = u"";
-    mMinuteText = u"";
-    mSecondText = u"";
-    mFrameText = u"";
-    std::u16string_view rest = text ? std::u16string_view(text) : std::u16string_view();
-    size_t semicolon = rest.rfind(u';');
-    if (!keepFrameType) mFrameType = semicolon != rest.npos ? kFrameType25 : kFrameType30;
-
-    size_t cut = semicolon != rest.npos ? semicolon : rest.rfind(u':');
-    MString* fields[] = {&mFrameText, &mSecondText, &mMinuteText};
-    for (MString* field : fields) {
-        if (cut == rest.npos) {
-            *field = Piece(rest);
-            return;
-        }
-        *field = Piece(rest.substr(cut + 1));
-        rest = rest.substr(0, cut);
-        cut = rest.rfind(u':');
+    if (text == nullptr) text = u"";
+    const char16_t* end = text;
+    const char16_t* semicolon = nullptr;
+    for (; *end != 0; ++end) {
+        if (*end == u';') semicolon = end;
     }
-    mHourText = Piece(rest);
+    if (!keepFrameType) mFrameType = semicolon != nullptr ? kFrameType25 : kFrameType30;
+
+    // From the right: frames behind the frame separator, then seconds and
+    // minutes behind each last ':', the rest to the hours. Fields that the
+    // text does not reach are emptied.
+    MString* fields[] = {&mFrameText, &mSecondText, &mMinuteText, &mHourText};
+    const char16_t* cut = semicolon != nullptr ? semicolon : FindLast(text, end, u':');
+    int filled = 0;
+    while (filled < 3 && cut != nullptr) {
+        SetPiece(*fields[filled++], cut + 1, end);
+        end = cut;
+        cut = FindLast(text, end, u':');
+    }
+    SetPiece(*fields[filled++], text, end);
+    while (filled < 4) SetPiece(*fields[filled++], end, end);
 }
 
 uint16_t CTimecodeParser::GetHour() const {

@@ -1,8 +1,13 @@
 #include <basicutils/text/MString.h>
+#include <basicutils/text/WideString.h>
 #include <basicutils/time/CTimecodeParser.h>
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
+#include <string_view>
+
+#include "TimeTest_test.h"
 
 namespace basicutils {
 namespace {
@@ -159,6 +164,71 @@ TEST(CTimecodeText, SetTimeWithTypeChoosesTheRate) {
     CTimecode t;
     t.SetTime(u"0:0:1:29", 25.0);
     EXPECT_EQ(Fields(t), "0:0:1:24@25");
+}
+
+// The readers as they were written (string pieces, wcstok and _wtoi), kept
+// here to hold the one-pass readers to them.
+struct OpenParser : CTimecodeParser {
+    std::u16string Texts() const {
+        return U(mHourText) + u'|' + U(mMinuteText) + u'|' + U(mSecondText) + u'|' + U(mFrameText) +
+               static_cast<char16_t>(u'0' + mFrameType);
+    }
+    void OldParse(const char16_t* text, bool keep) {
+        MString* fields[] = {&mFrameText, &mSecondText, &mMinuteText};
+        for (MString* f : {fields[0], fields[1], fields[2], &mHourText}) *f = u"";
+        std::u16string_view rest(text);
+        size_t semicolon = rest.rfind(u';');
+        if (!keep) mFrameType = semicolon != rest.npos ? kFrameType25 : kFrameType30;
+        size_t cut = semicolon != rest.npos ? semicolon : rest.rfind(u':');
+        for (MString* field : fields) {
+            if (cut == rest.npos) return void(*field = std::u16string(rest).c_str());
+            *field = std::u16string(rest.substr(cut + 1)).c_str();
+            rest = rest.substr(0, cut);
+            cut = rest.rfind(u':');
+        }
+        mHourText = std::u16string(rest).c_str();
+    }
+};
+struct SlowTimecode : CTimecode {  // not exactly a CTimecode: every setter goes through its calls
+    uint16_t ValidateHour(uint16_t h) override { return CTimecode::ValidateHour(h); }
+};
+void OldSetTime(CTimecode& t, const char16_t* text) {
+    char16_t work[32] = {};
+    for (int i = 0; i < 31 && text[i]; ++i) work[i] = text[i];
+    uint16_t v[4] = {0, 0, 0, 0};
+    char16_t* context = nullptr;
+    char16_t* token = wcstok_r(work, u":;", &context);
+    for (int i = 0; i < 4 && token; ++i, token = wcstok_r(nullptr, u":;", &context)) {
+        v[i] = static_cast<uint16_t>(_wtoi(token));
+    }
+    t.SetTime(v[0], v[1], v[2], v[3]);
+}
+
+// Random texts over the units that matter (separators, blanks, signs, digits
+// in long runs, other letters), one parser and two timecodes reused
+// throughout, so that fields grow, shrink and empty.
+TEST(CTimecodeText, ReadersGiveWhatTheyGaveBefore) {
+    std::mt19937 rng(3);
+    const std::u16string units = u"0123456789::;; \t-+x";
+    OpenParser parser, old;
+    CTimecode fast(0, 0, 0, 0, 25.0);
+    SlowTimecode slow;
+    slow.SetFrameRate(25.0);
+    timetest::Recorder heardFast, heardSlow;
+    fast.AddResponder(&heardFast);
+    slow.AddResponder(&heardSlow);
+    for (int i = 0; i < 50000; ++i) {
+        std::u16string text;
+        for (size_t n = rng() % 40; n > 0; --n) text += units[rng() % units.size()];
+        const bool keep = rng() % 4 == 0;
+        parser.Parse(text.c_str(), keep);
+        old.OldParse(text.c_str(), keep);
+        ASSERT_EQ(parser.Texts(), old.Texts());
+        fast.SetTime(text.c_str());
+        OldSetTime(slow, text.c_str());
+        ASSERT_EQ(timetest::S(fast), timetest::S(slow));
+        ASSERT_EQ(heardFast.Count(), heardSlow.Count());
+    }
 }
 
 }  // namespace

@@ -5,29 +5,62 @@
 #include <basicutils/time/CTimecode.h>
 #include <basicutils/time/CTimecodeParser.h>
 
+#include <cstdint>
+
 namespace basicutils {
 
 namespace {
 
-constexpr int kTextUnits = 32;  // working buffer, terminator included
+constexpr int kTextUnits = 31;  // units read, as by a working copy of 32 with its terminator
 
 struct Fields {
     uint16_t value[4] = {0, 0, 0, 0};
 };
 
-// Up to four numbers separated by runs of ':' or ';', read by _wtoi and
-// kept to 16 bits; missing ones stay 0, extra ones are ignored.
-Fields ReadFields(const char16_t* text) {
-    char16_t work[kTextUnits] = {};
-    if (text) {
-        for (int i = 0; i < kTextUnits - 1 && text[i]; ++i) work[i] = text[i];
+bool IsSeparator(char16_t c) {
+    return c == u':' || c == u';';
+}
+
+// _wtoi of the token [p, end): blanks, one sign, digits, clamped to the int
+// range; kept to 16 bits.
+uint16_t ReadNumber(const char16_t* p, const char16_t* end) {
+    while (p < end && (*p == u' ' || (*p >= 9 && *p <= 13))) ++p;
+    bool negative = false;
+    if (p < end && (*p == u'-' || *p == u'+')) negative = *p++ == u'-';
+    int64_t value = 0;  // accumulated negative, whose range holds INT32_MIN
+    for (; p < end && *p >= u'0' && *p <= u'9'; ++p) {
+        value = value * 10 - (*p - u'0');
+        if (value < int64_t{INT32_MIN}) {
+            return static_cast<uint16_t>(negative ? INT32_MIN : INT32_MAX);
+        }
     }
+    if (!negative) value = value < -int64_t{INT32_MAX} ? INT32_MAX : -value;
+    return static_cast<uint16_t>(value);
+}
+
+// The first four tokens of the first 31 units of text, separated by runs of
+// ':' or ';' (what wcstok gives), each read as _wtoi reads it and kept to
+// 16 bits; missing ones stay 0. One pass, no copy: a token of up to nine
+// plain digits is read on the way, any other by ReadNumber.
+Fields ReadFields(const char16_t* text) {
     Fields fields;
-    char16_t* context = nullptr;
-    char16_t* token = wcstok_r(work, u":;", &context);
-    for (int i = 0; i < 4 && token; ++i) {
-        fields.value[i] = static_cast<uint16_t>(_wtoi(token));
-        token = wcstok_r(nullptr, u":;", &context);
+    if (!text) return fields;
+    const char16_t* end = text;
+    while (end - text < kTextUnits && *end != 0) ++end;
+    const char16_t* p = text;
+    for (int field = 0; field < 4; ++field) {
+        while (p < end && IsSeparator(*p)) ++p;
+        if (p == end) break;
+        const char16_t* start = p;
+        uint32_t value = 0;
+        for (; p < end && p - start < 9 && static_cast<char16_t>(*p - u'0') <= 9; ++p) {
+            value = value * 10 + (*p - u'0');
+        }
+        if (p == start || (p < end && !IsSeparator(*p))) {
+            while (p < end && !IsSeparator(*p)) ++p;
+            value = ReadNumber(start, p);
+        }
+        fields.value[field] = static_cast<uint16_t>(value);
     }
     return fields;
 }
