@@ -92,7 +92,8 @@ LArray::LArray(uint32_t itemSize, LComparator* comparator, bool keepSorted)
       mComparator(comparator),
       mOwnsComparator(comparator != nullptr && !IsSharedComparator(comparator)),
       mIsSorted(true),
-      mKeepSorted(keepSorted) {
+      mKeepSorted(keepSorted),
+      mPlainness(kPlainnessUnknown) {
     if (mComparator == nullptr) {
         mComparator =
             itemSize == 4 ? static_cast<LComparator*>(&sLongComparator) : &sBytesComparator;

@@ -129,9 +129,14 @@ class BASICUTILS_EXPORT LArray {
     // True when this object is exactly an LArray or an LList, so that no
     // virtual operation is overridden, mItems (if any) is a plain Handle and
     // the inline paths below may stand in for the general ones.
+    // The answer is kept: no operation of the array runs before its most
+    // derived class is built, and the class does not change after.
     bool IsPlainArray() const {
-        const std::type_info* type = &typeid(*this);
-        return type == sPlainTypes[0] || type == sPlainTypes[1];
+        if (mPlainness == kPlainnessUnknown) {
+            const std::type_info* type = &typeid(*this);
+            mPlainness = type == sPlainTypes[0] || type == sPlainTypes[1] ? kPlain : kNotPlain;
+        }
+        return mPlainness == kPlain;
     }
     // The append of one item of mItemSize bytes where the block has room in
     // its present allocation; false, with nothing changed, elsewhere.
@@ -156,6 +161,7 @@ class BASICUTILS_EXPORT LArray {
 #endif
 
     static const std::type_info* const sPlainTypes[2];
+    enum Plainness : uint8_t { kPlainnessUnknown, kPlain, kNotPlain };
 
   protected:
     uint32_t mItemSize;
@@ -169,6 +175,9 @@ class BASICUTILS_EXPORT LArray {
     bool mOwnsComparator;
     bool mIsSorted;
     bool mKeepSorted;
+
+  private:
+    mutable Plainness mPlainness;  // IsPlainArray's answer, once asked
 };
 
 // Appends by a plain LArray or LList of an item of the item size are the

@@ -33,22 +33,15 @@ MString TwoDigits(uint16_t value) {
 // allocates nothing.
 void SetPiece(MString& field, const char16_t* first, const char16_t* last) {
     char16_t* block = field;
-    const char16_t* end = block;
-    while (*end != 0 && end - block < last - first) ++end;
-    if (end - block == last - first) {
-        std::copy(first, last, block);
-        block[last - first] = 0;
+    const ptrdiff_t n = last - first;
+    ptrdiff_t have = 0;
+    while (have < n && block[have] != 0) ++have;
+    if (have < n) {
+        field = std::u16string(first, last).c_str();
         return;
     }
-    field = std::u16string(first, last).c_str();
-}
-
-// The last unit c in [first, last), or null.
-const char16_t* FindLast(const char16_t* first, const char16_t* last, char16_t c) {
-    while (last != first) {
-        if (*--last == c) return last;
-    }
-    return nullptr;
+    for (ptrdiff_t i = 0; i < n; ++i) block[i] = first[i];
+    block[n] = 0;
 }
 
 }  // namespace
@@ -75,23 +68,34 @@ CTimecodeParser::~CTimecodeParser() = default;
 
 void CTimecodeParser::Parse(const char16_t* text, bool keepFrameType) {
     if (text == nullptr) text = u"";
-    const char16_t* end = text;
+    // One pass finds the end, the last ';' and the last three ':' before
+    // each point that matters: the end, and the last ';'.
+    const char16_t* colons[3] = {nullptr, nullptr, nullptr};  // latest first
+    const char16_t* beforeSemicolon[3] = {nullptr, nullptr, nullptr};
     const char16_t* semicolon = nullptr;
+    const char16_t* end = text;
     for (; *end != 0; ++end) {
-        if (*end == u';') semicolon = end;
+        if (*end == u':') {
+            colons[2] = colons[1];
+            colons[1] = colons[0];
+            colons[0] = end;
+        } else if (*end == u';') {
+            semicolon = end;
+            std::copy(colons, colons + 3, beforeSemicolon);
+        }
     }
     if (!keepFrameType) mFrameType = semicolon != nullptr ? kFrameType25 : kFrameType30;
 
-    // From the right: frames behind the frame separator, then seconds and
-    // minutes behind each last ':', the rest to the hours. Fields that the
-    // text does not reach are emptied.
+    // From the right: frames behind the frame separator (the last ';', else
+    // the last ':'), then seconds and minutes behind each last ':' before
+    // it, the rest to the hours. Fields the text does not reach are emptied.
+    const char16_t* cuts[3] = {semicolon, beforeSemicolon[0], beforeSemicolon[1]};
+    if (semicolon == nullptr) std::copy(colons, colons + 3, cuts);
     MString* fields[] = {&mFrameText, &mSecondText, &mMinuteText, &mHourText};
-    const char16_t* cut = semicolon != nullptr ? semicolon : FindLast(text, end, u':');
     int filled = 0;
-    while (filled < 3 && cut != nullptr) {
-        SetPiece(*fields[filled++], cut + 1, end);
-        end = cut;
-        cut = FindLast(text, end, u':');
+    for (; filled < 3 && cuts[filled] != nullptr; ++filled) {
+        SetPiece(*fields[filled], cuts[filled] + 1, end);
+        end = cuts[filled];
     }
     SetPiece(*fields[filled++], text, end);
     while (filled < 4) SetPiece(*fields[filled++], end, end);
