@@ -64,6 +64,8 @@ enum class SysCall : int {
     kDlopen,
     kDlsym,
     kDlclose,
+    kFlock,
+    kReadlink,
     kCount  // the number of kinds; keep last
 };
 
@@ -109,6 +111,11 @@ class BASICUTILS_EXPORT Env {
     virtual void* Dlopen(const char* path, int flags) = 0;
     virtual void* Dlsym(void* library, const char* symbol) = 0;
     virtual int Dlclose(void* library) = 0;
+    // flock: an advisory lock on the whole open file (LOCK_SH, LOCK_EX,
+    // LOCK_UN, with LOCK_NB).
+    virtual int Flock(int fd, int operation) = 0;
+    // readlink: the target of a symbolic link, not zero-terminated.
+    virtual ssize_t Readlink(const char* path, char* buffer, size_t size) = 0;
 };
 
 // The real calls. Stateless; the one instance lives for the whole process.
@@ -158,6 +165,8 @@ class BASICUTILS_EXPORT EnvWrapper : public Env {
     void* Dlopen(const char* path, int flags) override;
     void* Dlsym(void* library, const char* symbol) override;
     int Dlclose(void* library) override;
+    int Flock(int fd, int operation) override;
+    ssize_t Readlink(const char* path, char* buffer, size_t size) override;
 
   private:
     Env& mTarget;

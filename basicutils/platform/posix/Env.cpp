@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/eventfd.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -67,6 +68,10 @@ class RealEnv final : public Env {
         return address;
     }
     int Dlclose(void* library) override { return ::dlclose(library); }
+    int Flock(int fd, int operation) override { return ::flock(fd, operation); }
+    ssize_t Readlink(const char* path, char* buffer, size_t size) override {
+        return ::readlink(path, buffer, size);
+    }
 };
 
 std::atomic<Env*> gCurrent{nullptr};
@@ -100,11 +105,11 @@ void SetLastDlError(const char* reason) {
 
 const char* SysCallName(SysCall call) {
     static constexpr const char* kNames[] = {
-        "any",     "open",          "close",  "read",    "write",   "pread",
-        "pwrite",  "lseek",         "fstat",  "stat",    "statvfs", "ftruncate",
-        "fsync",   "rename",        "link",   "unlink",  "mkdir",   "rmdir",
-        "chdir",   "getcwd",        "chmod",  "opendir", "readdir", "closedir",
-        "eventfd", "thread_create", "dlopen", "dlsym",   "dlclose"};
+        "any",     "open",    "close",    "read",    "write",         "pread",  "pwrite",
+        "lseek",   "fstat",   "stat",     "statvfs", "ftruncate",     "fsync",  "rename",
+        "link",    "unlink",  "mkdir",    "rmdir",   "chdir",         "getcwd", "chmod",
+        "opendir", "readdir", "closedir", "eventfd", "thread_create", "dlopen", "dlsym",
+        "dlclose", "flock",   "readlink"};
     static_assert(sizeof kNames / sizeof kNames[0] == static_cast<size_t>(SysCall::kCount));
     const auto index = static_cast<size_t>(call);
     return index < static_cast<size_t>(SysCall::kCount) ? kNames[index] : "?";
@@ -196,6 +201,12 @@ void* EnvWrapper::Dlsym(void* library, const char* symbol) {
 }
 int EnvWrapper::Dlclose(void* library) {
     return mTarget.Dlclose(library);
+}
+int EnvWrapper::Flock(int fd, int operation) {
+    return mTarget.Flock(fd, operation);
+}
+ssize_t EnvWrapper::Readlink(const char* path, char* buffer, size_t size) {
+    return mTarget.Readlink(path, buffer, size);
 }
 
 }  // namespace basicutils::detail

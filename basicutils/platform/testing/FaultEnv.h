@@ -88,6 +88,8 @@ class FaultEnv : public detail::EnvWrapper {
     void* Dlopen(const char* path, int flags) override;
     void* Dlsym(void* library, const char* symbol) override;
     int Dlclose(void* library) override;
+    int Flock(int fd, int operation) override;
+    ssize_t Readlink(const char* path, char* buffer, size_t size) override;
 
   private:
     enum class Action { kFail, kShort, kKill };
