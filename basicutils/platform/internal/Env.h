@@ -64,6 +64,9 @@ enum class SysCall : int {
     kDlopen,
     kDlsym,
     kDlclose,
+    kLstat,
+    kFcntl,
+    kFadvise,
     kFlock,
     kReadlink,
     kCount  // the number of kinds; keep last
@@ -111,6 +114,12 @@ class BASICUTILS_EXPORT Env {
     virtual void* Dlopen(const char* path, int flags) = 0;
     virtual void* Dlsym(void* library, const char* symbol) = 0;
     virtual int Dlclose(void* library) = 0;
+    // lstat: the status of a name itself, a symbolic link not followed.
+    virtual int Lstat(const char* path, struct stat* status) = 0;
+    // fcntl with an int argument (F_GETFL, F_SETFL...).
+    virtual int Fcntl(int fd, int command, int argument) = 0;
+    // posix_fadvise: returns 0 or the error number (errno is not used).
+    virtual int Fadvise(int fd, off_t offset, off_t length, int advice) = 0;
     // flock: an advisory lock on the whole open file (LOCK_SH, LOCK_EX,
     // LOCK_UN, with LOCK_NB).
     virtual int Flock(int fd, int operation) = 0;
@@ -165,6 +174,9 @@ class BASICUTILS_EXPORT EnvWrapper : public Env {
     void* Dlopen(const char* path, int flags) override;
     void* Dlsym(void* library, const char* symbol) override;
     int Dlclose(void* library) override;
+    int Lstat(const char* path, struct stat* status) override;
+    int Fcntl(int fd, int command, int argument) override;
+    int Fadvise(int fd, off_t offset, off_t length, int advice) override;
     int Flock(int fd, int operation) override;
     ssize_t Readlink(const char* path, char* buffer, size_t size) override;
 

@@ -68,6 +68,11 @@ class RealEnv final : public Env {
         return address;
     }
     int Dlclose(void* library) override { return ::dlclose(library); }
+    int Lstat(const char* path, struct stat* status) override { return ::lstat(path, status); }
+    int Fcntl(int fd, int command, int argument) override { return ::fcntl(fd, command, argument); }
+    int Fadvise(int fd, off_t offset, off_t length, int advice) override {
+        return ::posix_fadvise(fd, offset, length, advice);
+    }
     int Flock(int fd, int operation) override { return ::flock(fd, operation); }
     ssize_t Readlink(const char* path, char* buffer, size_t size) override {
         return ::readlink(path, buffer, size);
@@ -105,11 +110,11 @@ void SetLastDlError(const char* reason) {
 
 const char* SysCallName(SysCall call) {
     static constexpr const char* kNames[] = {
-        "any",     "open",    "close",    "read",    "write",         "pread",  "pwrite",
-        "lseek",   "fstat",   "stat",     "statvfs", "ftruncate",     "fsync",  "rename",
-        "link",    "unlink",  "mkdir",    "rmdir",   "chdir",         "getcwd", "chmod",
-        "opendir", "readdir", "closedir", "eventfd", "thread_create", "dlopen", "dlsym",
-        "dlclose", "flock",   "readlink"};
+        "any",     "open",    "close",    "read",    "write",         "pread",   "pwrite",
+        "lseek",   "fstat",   "stat",     "statvfs", "ftruncate",     "fsync",   "rename",
+        "link",    "unlink",  "mkdir",    "rmdir",   "chdir",         "getcwd",  "chmod",
+        "opendir", "readdir", "closedir", "eventfd", "thread_create", "dlopen",  "dlsym",
+        "dlclose", "lstat",   "fcntl",    "fadvise", "flock",         "readlink"};
     static_assert(sizeof kNames / sizeof kNames[0] == static_cast<size_t>(SysCall::kCount));
     const auto index = static_cast<size_t>(call);
     return index < static_cast<size_t>(SysCall::kCount) ? kNames[index] : "?";
@@ -201,6 +206,15 @@ void* EnvWrapper::Dlsym(void* library, const char* symbol) {
 }
 int EnvWrapper::Dlclose(void* library) {
     return mTarget.Dlclose(library);
+}
+int EnvWrapper::Lstat(const char* path, struct stat* status) {
+    return mTarget.Lstat(path, status);
+}
+int EnvWrapper::Fcntl(int fd, int command, int argument) {
+    return mTarget.Fcntl(fd, command, argument);
+}
+int EnvWrapper::Fadvise(int fd, off_t offset, off_t length, int advice) {
+    return mTarget.Fadvise(fd, offset, length, advice);
 }
 int EnvWrapper::Flock(int fd, int operation) {
     return mTarget.Flock(fd, operation);
