@@ -3,13 +3,12 @@
 #include <basicutils/platform/Modules.h>
 #include <basicutils/platform/SystemFolders.h>
 #include <basicutils/platform/internal/Env.h>
+#include <basicutils/platform/internal/Paths.h>
 #include <dlfcn.h>
 #include <link.h>
 
 #include <string>
 #include <vector>
-
-#include "NameSpelling.h"
 
 namespace basicutils {
 namespace {
@@ -55,7 +54,8 @@ HMODULE LoadLibraryW(const char16_t* name) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
-    const std::string path = detail::SystemSpelling(name);
+    std::string path;
+    if (!detail::ToSystemPath(name, path)) return nullptr;  // the reason is set
     const size_t slash = path.rfind('/');
     Attempt attempt;
     if (slash != std::string::npos) {
@@ -116,7 +116,7 @@ DWORD GetModuleFileNameW(HMODULE module, char16_t* buffer, DWORD size) {
         SetLastErrorFromErrno(errno);
         return 0;
     }
-    const std::u16string text = detail::LibrarySpelling(path);
+    const std::u16string text = detail::FromSystemPath(path);
     if (!buffer || size == 0) {
         SetLastError(ERROR_INSUFFICIENT_BUFFER);
         return 0;

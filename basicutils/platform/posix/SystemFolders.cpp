@@ -1,55 +1,26 @@
 // Home, data and settings folders, the running program's path.
-#include <basicutils/platform/CodePage.h>
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/SystemFolders.h>
 #include <basicutils/platform/internal/Env.h>
+#include <basicutils/platform/internal/Paths.h>
 #include <pwd.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <vector>
 
-#include "NameSpelling.h"
-
 namespace basicutils {
 namespace detail {
+namespace {
 
-std::string SystemSpelling(std::u16string_view path) {
-    std::string out;
-    if (!path.empty()) {
-        const int n = WideCharToMultiByte(CP_UTF8, 0, path.data(), static_cast<int>(path.size()),
-                                          nullptr, 0, nullptr, nullptr);
-        out.resize(static_cast<size_t>(n));
-        WideCharToMultiByte(CP_UTF8, 0, path.data(), static_cast<int>(path.size()), out.data(), n,
-                            nullptr, nullptr);
-    }
-    for (char& c : out)
-        if (c == '\\') c = '/';
-    return out;
-}
-
-std::u16string LibrarySpelling(std::string_view path) {
-    std::u16string out;
-    if (!path.empty()) {
-        const int n =
-            MultiByteToWideChar(CP_UTF8, 0, path.data(), static_cast<int>(path.size()), nullptr, 0);
-        out.resize(static_cast<size_t>(n));
-        MultiByteToWideChar(CP_UTF8, 0, path.data(), static_cast<int>(path.size()), out.data(), n);
-    }
-    for (char16_t& c : out)
-        if (c == u'/') c = u'\\';
-    return out;
-}
-
-unsigned CopyWithSizeRule(const std::u16string& text, char16_t* buffer, unsigned size) {
-    const auto length = static_cast<unsigned>(text.size());
+// The Win32 sizing rule: see SystemFolders.h.
+UINT CopyWithSizeRule(const std::u16string& text, char16_t* buffer, UINT size) {
+    const auto length = static_cast<UINT>(text.size());
     if (!buffer || size <= length) return length + 1;
     text.copy(buffer, length);
     buffer[length] = u'\0';
     return length;
 }
-
-namespace {
 
 // An environment variable that holds an absolute path, or empty.
 std::string AbsoluteVariable(const char* name) {
@@ -69,7 +40,7 @@ UINT Answer(const std::string& folder, char16_t* buffer, UINT size) {
         SetLastError(ERROR_PATH_NOT_FOUND);
         return 0;
     }
-    return CopyWithSizeRule(LibrarySpelling(folder), buffer, size);
+    return CopyWithSizeRule(FromSystemPath(folder), buffer, size);
 }
 
 }  // namespace

@@ -2,14 +2,13 @@
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/SystemFolders.h>
 #include <basicutils/platform/WinApp.h>
+#include <basicutils/platform/internal/Paths.h>
 #include <basicutils/platform/internal/ProfileStore.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
-
-#include "NameSpelling.h"
 
 namespace basicutils {
 namespace {
@@ -48,6 +47,12 @@ int LeadingNumber(const std::u16string& text) {
     return static_cast<int>(std::clamp(value, -2147483648LL, 2147483647LL));
 }
 
+// A name in the system's spelling; empty when it can't be spelled there.
+std::string SystemText(const char16_t* text) {
+    std::string out;
+    return detail::ToSystemPath(text, out) ? out : std::string();
+}
+
 void Replace(const char16_t*& field, const char16_t* text) {
     std::free(const_cast<char16_t*>(field));
     field = _wcsdup(text);
@@ -66,7 +71,7 @@ char16_t* _wcsdup(const char16_t* text) {
 CWinApp::CWinApp(const char16_t* appName)
     : m_pszAppName(nullptr), m_pszRegistryKey(nullptr), m_pszProfileName(nullptr) {
     const std::u16string name =
-        appName ? std::u16string(appName) : detail::LibrarySpelling(detail::ProgramName());
+        appName ? std::u16string(appName) : detail::FromSystemName(detail::ProgramName());
     m_pszAppName = _wcsdup(name.c_str());
     gCurrentApp.store(this);
 }
@@ -100,10 +105,9 @@ std::string ProfileFile(const CWinApp& app, bool& inUserFolder) {
     inUserFolder = true;
     if (app.m_pszRegistryKey) {
         const char16_t* file = app.m_pszProfileName ? app.m_pszProfileName : app.m_pszAppName;
-        name = detail::SystemSpelling(app.m_pszRegistryKey) + "/" +
-               detail::SystemSpelling(file ? file : u"") + ".ini";
+        name = SystemText(app.m_pszRegistryKey) + "/" + SystemText(file ? file : u"") + ".ini";
     } else if (app.m_pszProfileName && app.m_pszProfileName[0]) {
-        name = detail::SystemSpelling(app.m_pszProfileName);
+        name = SystemText(app.m_pszProfileName);
         if (name.find('/') != std::string::npos) {
             inUserFolder = false;
             return name;
@@ -119,7 +123,7 @@ std::string ProfileFile(const CWinApp& app, bool& inUserFolder) {
 
 std::u16string CWinApp::GetProfileFile() const {
     bool inUserFolder = false;
-    return detail::LibrarySpelling(ProfileFile(*this, inUserFolder));
+    return detail::FromSystemPath(ProfileFile(*this, inUserFolder));
 }
 
 UINT CWinApp::GetProfileIntW(const char16_t* section, const char16_t* entry, int defaultValue) {
