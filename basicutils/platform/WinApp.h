@@ -42,6 +42,7 @@
 #pragma once
 
 #include <basicutils/Export.h>
+#include <basicutils/platform/CString.h>
 #include <basicutils/platform/Handles.h>
 
 #include <string>
@@ -60,8 +61,8 @@ class BASICUTILS_EXPORT CWinApp {
 
     UINT GetProfileIntW(const char16_t* section, const char16_t* entry, int defaultValue);
     BOOL WriteProfileInt(const char16_t* section, const char16_t* entry, int value);
-    std::u16string GetProfileStringW(const char16_t* section, const char16_t* entry,
-                                     const char16_t* defaultValue = nullptr);
+    CString GetProfileStringW(const char16_t* section, const char16_t* entry,
+                              const char16_t* defaultValue = nullptr);
     BOOL WriteProfileStringW(const char16_t* section, const char16_t* entry, const char16_t* value);
 
     // Keeps the settings in the user's folder under `key` (see above).

@@ -80,7 +80,7 @@ TEST(WinAppSettings, ValuesDefaultsAndRemoval) {
     };
     for (const Case& c : cases) {
         EXPECT_EQ(static_cast<int>(app.GetProfileIntW(c.section, c.key, c.defaultValue)), c.asInt);
-        EXPECT_EQ(app.GetProfileStringW(c.section, c.key, u"dflt"), c.asText);
+        EXPECT_EQ(app.GetProfileStringW(c.section, c.key, u"dflt"), c.asText.c_str());
     }
     EXPECT_EQ(app.GetProfileStringW(u"Main", u"missing"), u"") << "a null default reads empty";
     ASSERT_TRUE(app.WriteProfileStringW(u"Main", u"name", nullptr));

@@ -139,12 +139,12 @@ BOOL CWinApp::WriteProfileInt(const char16_t* section, const char16_t* entry, in
     return WriteProfileStringW(section, entry, text.c_str());
 }
 
-std::u16string CWinApp::GetProfileStringW(const char16_t* section, const char16_t* entry,
-                                          const char16_t* defaultValue) {
+CString CWinApp::GetProfileStringW(const char16_t* section, const char16_t* entry,
+                                   const char16_t* defaultValue) {
     bool inUserFolder = false;
     const auto value = detail::ReadProfileValue(ProfileFile(*this, inUserFolder), section, entry);
-    if (value) return *value;
-    return defaultValue ? std::u16string(defaultValue) : std::u16string();
+    if (value) return CString(value->c_str(), static_cast<int>(value->size()));
+    return CString(defaultValue);
 }
 
 BOOL CWinApp::WriteProfileStringW(const char16_t* section, const char16_t* entry,
