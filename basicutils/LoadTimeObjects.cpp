@@ -35,6 +35,7 @@ LLongComparator LArray::sLongComparator;
 LPointerComparator LArray::sPointerComparator;
 
 // 5. CVelmorantProfile::sProfilePath
+CString CVelmorantProfile::sProfilePath;
 
 // 6. StGlobalLock::sSafe
 CCriticalSection StGlobalLock::sSafe;

@@ -30,7 +30,10 @@ namespace basicutils {
 
 using HMODULE = void*;
 using HINSTANCE = HMODULE;
-using FARPROC = intptr_t (*)();
+// A found function, to be cast to its real type before the call. It is
+// void (*)() rather than Windows's INT_PTR (*)() because compilers accept
+// a cast from that one type to any function type without a warning.
+using FARPROC = void (*)();
 
 BASICUTILS_EXPORT HMODULE LoadLibraryW(const char16_t* name);
 // `name` is the function's 8-bit name.

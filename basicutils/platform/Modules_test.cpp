@@ -62,7 +62,7 @@ TEST(Modules, WindowsStyleNamesFindTheLinuxLibrary) {
 TEST(Modules, FunctionsByNameAndTheLibrarysPath) {
     HMODULE module = LoadLibraryW((PluginFolder() + u"buplugin.dll").c_str());
     ASSERT_NE(module, nullptr);
-    FARPROC answer = GetProcAddress(module, "buplugin_answer");
+    auto answer = reinterpret_cast<int (*)()>(GetProcAddress(module, "buplugin_answer"));
     ASSERT_NE(answer, nullptr);
     EXPECT_EQ(answer(), 42);
     EXPECT_EQ(GetProcAddress(module, "buplugin_missing"), nullptr);

@@ -2,16 +2,17 @@
 // rule of the answers, and folder creation.
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/SystemFolders.h>
+#include <basicutils/platform/testing/ScopedVariable.h>
 #include <basicutils/platform/testing/TempFolder.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 
 namespace basicutils {
 namespace {
 
+using testing::ScopedVariable;
 using testing::TempFolder;
 
 struct Variables {
@@ -26,9 +27,6 @@ std::u16string Ask(UINT (*call)(char16_t*, UINT)) {
 }
 
 TEST(SystemFolders, DataFolderAndHomeFollowTheVariables) {
-    const std::string savedHome = std::getenv("HOME") ? std::getenv("HOME") : "";
-    const char* data = std::getenv("XDG_DATA_HOME");
-    const std::string savedData = data ? data : "";
     struct Case {
         Variables set;
         std::u16string system, drive;
@@ -39,24 +37,15 @@ TEST(SystemFolders, DataFolderAndHomeFollowTheVariables) {
         {{"/home/ana", "relative"}, u"\\home\\ana\\.local\\share", u"\\home\\ana"},
     };
     for (const Case& c : cases) {
-        ::setenv("HOME", c.set.home, 1);
-        if (c.set.data)
-            ::setenv("XDG_DATA_HOME", c.set.data, 1);
-        else
-            ::unsetenv("XDG_DATA_HOME");
+        ScopedVariable home("HOME", c.set.home), data("XDG_DATA_HOME", c.set.data);
         EXPECT_EQ(Ask(GetSystemDirectoryW), c.system);
         EXPECT_EQ(Ask(GetSystemDriveW), c.drive);
     }
-    ::setenv("HOME", "/h", 1);
+    ScopedVariable home("HOME", "/h");
     char16_t small[2] = {u'x', u'x'};
     EXPECT_EQ(GetSystemDriveW(small, 2), 3u) << "too small: the size needed, terminator included";
     EXPECT_EQ(small[0], u'x');
-    EXPECT_EQ(GetSystemDriveW(small, 3), 0u + 2u);
-    ::setenv("HOME", savedHome.c_str(), 1);
-    if (data)
-        ::setenv("XDG_DATA_HOME", savedData.c_str(), 1);
-    else
-        ::unsetenv("XDG_DATA_HOME");
+    EXPECT_EQ(GetSystemDriveW(small, 3), 2u);
 }
 
 TEST(SystemFolders, MakeFoldersCreatesTheWholeChain) {

@@ -6,6 +6,7 @@
 #include <basicutils/platform/internal/IniDocument.h>
 #include <basicutils/platform/testing/ChildProcess.h>
 #include <basicutils/platform/testing/FaultEnv.h>
+#include <basicutils/platform/testing/ScopedVariable.h>
 #include <basicutils/platform/testing/TempFolder.h>
 #include <gtest/gtest.h>
 
@@ -20,33 +21,12 @@ using detail::SysCallName;
 using testing::ChildProcess;
 using testing::FaultEnv;
 using testing::ScopedEnv;
+using testing::ScopedVariable;
 using testing::TempFolder;
 
 std::u16string Wide(const std::string& s) {
     return std::u16string(s.begin(), s.end());
 }
-
-// Sets an environment variable for the length of a scope.
-class ScopedVariable {
-  public:
-    ScopedVariable(const char* name, const std::string& value) : mName(name) {
-        const char* old = std::getenv(name);
-        mHad = old != nullptr;
-        if (old) mOld = old;
-        ::setenv(name, value.c_str(), 1);
-    }
-    ~ScopedVariable() {
-        if (mHad)
-            ::setenv(mName, mOld.c_str(), 1);
-        else
-            ::unsetenv(mName);
-    }
-
-  private:
-    const char* mName;
-    std::string mOld;
-    bool mHad;
-};
 
 // An application object whose settings live in `file`.
 class FileApp : public CWinApp {
