@@ -18,6 +18,7 @@
 #include <basicutils/platform/Console.h>
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/FileApi.h>
+#include <basicutils/platform/FileDialog.h>
 #include <basicutils/platform/MessageQueue.h>
 #include <basicutils/platform/Modules.h>
 #include <basicutils/platform/RuntimeFiles.h>
@@ -81,4 +82,5 @@
 #include <basicutils/environment/CVelmorantDirectories.h>
 #include <basicutils/environment/CVelmorantProfile.h>
 #include <basicutils/environment/CVersionControl.h>
+#include <basicutils/environment/MFileDialog.h>
 #include <basicutils/environment/MRect.h>

@@ -28,6 +28,7 @@ bool CAppBits::sByteMasksInitialized = CAppBits::InitializeByteMasks();
 CIdleProcesses gIdleProcesses;
 
 // 3. MFileDialog::sLastFile
+MFileSpecWin MFileDialog::sLastFile;
 
 // 4. LArray comparators
 LComparator LArray::sBytesComparator;

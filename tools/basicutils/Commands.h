@@ -43,5 +43,9 @@ int RunFile(const Args& args);
 int RunTask(const Args& args);
 int RunTaskExample();
 int RunTaskExample(int megabytes);
+// The application's environment (EnvironmentCommands.cpp), whole entries.
+extern const Command kEnvCommand;
+extern const Command kSettingsCommand;
+extern const Command kChooseCommand;
 
 }  // namespace basicutils_tool
