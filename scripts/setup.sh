@@ -3,7 +3,8 @@
 # Does nothing when everything is already there; needs root (or sudo) otherwise.
 set -euo pipefail
 packages=(cmake ninja-build g++ clang libclang-rt-14-dev pkg-config
-          libgtest-dev libgmock-dev libbenchmark-dev liburing-dev)
+          libgtest-dev libgmock-dev libbenchmark-dev liburing-dev
+          xvfb xdotool libgtk-3-0)  # the last three: the file dialog tests on a virtual display
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
