@@ -100,7 +100,7 @@ void IniDocument::Parse(std::string_view text) {
         const size_t end = text.find('\n');
         std::string_view raw = text.substr(0, end);
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-        if (!raw.empty() && raw.back() == '\r') raw.remove_suffix(1);
+        while (!raw.empty() && raw.back() == '\r') raw.remove_suffix(1);
         mLines.push_back(ParseLine(std::string(raw)));
     }
 }
