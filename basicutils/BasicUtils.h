@@ -77,6 +77,7 @@
 // undo
 #include <basicutils/undo/COperation.h>
 // script
+#include <basicutils/script/CScriptFile.h>
 // environment
 #include <basicutils/environment/CSharedLibrary.h>
 #include <basicutils/environment/CVelmorantDirectories.h>

@@ -47,5 +47,7 @@ int RunTaskExample(int megabytes);
 extern const Command kEnvCommand;
 extern const Command kSettingsCommand;
 extern const Command kChooseCommand;
+// The script reader (ScriptCommand.cpp).
+extern const Command kScriptCommand;
 
 }  // namespace basicutils_tool

@@ -66,6 +66,7 @@ const Command kCommands[] = {
     kEnvCommand,
     kSettingsCommand,
     kChooseCommand,
+    kScriptCommand,
     {nullptr, nullptr, nullptr, nullptr, nullptr},
 };
 
