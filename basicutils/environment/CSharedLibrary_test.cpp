@@ -4,8 +4,6 @@
 #include <basicutils/platform/Errors.h>
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace basicutils {
 namespace {
 
@@ -15,25 +13,15 @@ class Library : public CSharedLibrary {
     HMODULE Module() const { return mModule; }
 };
 
-std::u16string PluginAsDll() {
-    std::string path = BASICUTILS_TEST_PLUGIN;  // .../libbuplugin.so
-    path = path.substr(0, path.rfind('/') + 1) + "buplugin.dll";
-    std::u16string out(path.begin(), path.end());
-    for (char16_t& c : out)
-        if (c == u'/') c = u'\\';
-    return out;
-}
-
 TEST(CSharedLibrary, LoadsOnceUnloadsAndLoadsAgain) {
-    Library library(PluginAsDll().c_str());
-    library.Unload();  // nothing loaded: nothing happens
+    Library library(u"buplugin.dll");  // libbuplugin.so, beside the test program
+    library.Unload();                  // nothing loaded: nothing happens
     EXPECT_EQ(library.Module(), nullptr);
     ASSERT_TRUE(library.Load());
     const HMODULE first = library.Module();
     EXPECT_TRUE(library.Load());
     EXPECT_EQ(library.Module(), first);
-    using Answer = int (*)();
-    auto answer = reinterpret_cast<Answer>(library.LoadFunction("buplugin_answer"));
+    auto answer = reinterpret_cast<int (*)()>(library.LoadFunction("buplugin_answer"));
     ASSERT_NE(answer, nullptr);
     EXPECT_EQ(answer(), 42);
     EXPECT_EQ(library.LoadFunction("buplugin_nothing"), nullptr);

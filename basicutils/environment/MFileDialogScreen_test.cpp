@@ -39,14 +39,10 @@ class OnScreen : public ::testing::Test {
         if (!gtk) GTEST_SKIP() << "GTK 3 is not installed (Debian package libgtk-3-0)";
         FreeLibrary(gtk);
         mFolder.Write("clip.mpg", "");
-        mFolder.Write("song.wav", "");
-        MFileDialog::sLastFile = MFileSpecWin();
     }
     void TearDown() override { MFileDialog::sLastFile = MFileSpecWin(); }
 
-    MString Library(const std::string& name) const {
-        return MString(mFolder.Library(name).c_str());
-    }
+    MFileSpecWin Spec(const std::string& name) const { return mFolder.Library(name).c_str(); }
 
     testing::TempFolder mFolder;
 };
@@ -55,23 +51,23 @@ TEST_F(OnScreen, OpenTypeAPathAndConfirm) {
     Dialog<MFileDialogWin> dialog;
     dialog.AddFilters(true, true, true);
     dialog.StartOn(3);  // "All Video Files"
-    MFileSpecWin start(Library(""));
+    MFileSpecWin start = Spec("");
     dialog.SetFileSpec(start);
     DialogDriver driver("Open", "xdotool key ctrl+l; xdotool type --delay 10 " +
                                     (mFolder / "clip.mpg") + "; sleep 0.5; xdotool key Return");
     const bool chosen = dialog.Execute();
     ASSERT_TRUE(driver.Finish()) << "xdotool could not work the dialog";
     ASSERT_TRUE(chosen);
-    EXPECT_TRUE(dialog.GetFileSpec() == MFileSpecWin(Library("clip.mpg")));
+    EXPECT_TRUE(dialog.GetFileSpec() == Spec("clip.mpg"));
     EXPECT_EQ(dialog.GetSelectedFilter(), 3) << "the dialog started and ended on it";
-    EXPECT_TRUE(MFileDialog::sLastFile == MFileSpecWin(Library("clip.mpg")));
+    EXPECT_TRUE(MFileDialog::sLastFile == Spec("clip.mpg"));
 }
 
 TEST_F(OnScreen, SaveATypedNameGetsTheFiltersExtension) {
     Dialog<MFileSaveDialogWin> dialog;
     dialog.AddFilters(false, false, true);
     dialog.StartOn(4);  // "  Mpeg1, Mpeg2 Video (mpeg,mpg,mpv)"
-    MFileSpecWin start(Library(""));
+    MFileSpecWin start = Spec("");
     dialog.SetFileSpec(start);
     DialogDriver driver(
         "Save As",
@@ -79,20 +75,20 @@ TEST_F(OnScreen, SaveATypedNameGetsTheFiltersExtension) {
     const bool chosen = dialog.Execute();
     ASSERT_TRUE(driver.Finish()) << "xdotool could not work the dialog";
     ASSERT_TRUE(chosen);
-    EXPECT_TRUE(dialog.GetFileSpec() == MFileSpecWin(Library("take.mpeg")));
+    EXPECT_TRUE(dialog.GetFileSpec() == Spec("take.mpeg"));
     EXPECT_EQ(dialog.GetSelectedFilter(), 4);
 }
 
 TEST_F(OnScreen, CancelChangesNothing) {
-    MFileDialog::sLastFile = MFileSpecWin(Library("song.wav"));
+    MFileDialog::sLastFile = Spec("song.wav");
     MFileDialogWin dialog;
     dialog.AddFilters(true, false, false);
     DialogDriver driver("Open", "xdotool key Escape");
     const bool chosen = dialog.Execute();
     ASSERT_TRUE(driver.Finish()) << "xdotool could not work the dialog";
     EXPECT_FALSE(chosen);
-    EXPECT_TRUE(dialog.GetFileSpec() == MFileSpecWin(Library(""))) << "the last file's folder";
-    EXPECT_TRUE(MFileDialog::sLastFile == MFileSpecWin(Library("song.wav")));
+    EXPECT_TRUE(dialog.GetFileSpec() == Spec("")) << "the last file's folder";
+    EXPECT_TRUE(MFileDialog::sLastFile == Spec("song.wav"));
     EXPECT_EQ(dialog.GetSelectedFilter(), 1);
 }
 

@@ -1,6 +1,5 @@
 // Where the system folder and the system drive land on Linux, the sizing
 // rule of the answers, and folder creation.
-#include <basicutils/platform/Errors.h>
 #include <basicutils/platform/SystemFolders.h>
 #include <basicutils/platform/testing/ScopedVariable.h>
 #include <basicutils/platform/testing/TempFolder.h>
@@ -13,12 +12,6 @@ namespace basicutils {
 namespace {
 
 using testing::ScopedVariable;
-using testing::TempFolder;
-
-struct Variables {
-    const char* home;
-    const char* data;  // null: unset
-};
 
 std::u16string Ask(UINT (*call)(char16_t*, UINT)) {
     char16_t buffer[512];
@@ -27,34 +20,30 @@ std::u16string Ask(UINT (*call)(char16_t*, UINT)) {
 }
 
 TEST(SystemFolders, DataFolderAndHomeFollowTheVariables) {
-    struct Case {
-        Variables set;
-        std::u16string system, drive;
+    const std::pair<const char*, std::u16string> cases[] = {
+        {nullptr, u"\\home\\ana\\.local\\share"},
+        {"/data/ana", u"\\data\\ana"},
+        {"relative", u"\\home\\ana\\.local\\share"},
     };
-    const Case cases[] = {
-        {{"/home/ana", nullptr}, u"\\home\\ana\\.local\\share", u"\\home\\ana"},
-        {{"/home/ana", "/data/ana"}, u"\\data\\ana", u"\\home\\ana"},
-        {{"/home/ana", "relative"}, u"\\home\\ana\\.local\\share", u"\\home\\ana"},
-    };
-    for (const Case& c : cases) {
-        ScopedVariable home("HOME", c.set.home), data("XDG_DATA_HOME", c.set.data);
-        EXPECT_EQ(Ask(GetSystemDirectoryW), c.system);
-        EXPECT_EQ(Ask(GetSystemDriveW), c.drive);
+    ScopedVariable home("HOME", "/home/ana");
+    for (const auto& [data, system] : cases) {
+        ScopedVariable variable("XDG_DATA_HOME", data);
+        EXPECT_EQ(Ask(GetSystemDirectoryW), system);
+        EXPECT_EQ(Ask(GetSystemDriveW), u"\\home\\ana");
     }
-    ScopedVariable home("HOME", "/h");
-    char16_t small[2] = {u'x', u'x'};
+    ScopedVariable shortHome("HOME", "/h");
+    char16_t small[3] = {u'x', u'x', u'x'};
     EXPECT_EQ(GetSystemDriveW(small, 2), 3u) << "too small: the size needed, terminator included";
     EXPECT_EQ(small[0], u'x');
     EXPECT_EQ(GetSystemDriveW(small, 3), 2u);
 }
 
 TEST(SystemFolders, MakeFoldersCreatesTheWholeChain) {
-    TempFolder folder;
+    testing::TempFolder folder;
     EXPECT_TRUE(detail::MakeFolders(folder / "a/b/c/", 0700));
     EXPECT_TRUE(std::filesystem::is_directory(folder / "a/b/c"));
     EXPECT_TRUE(detail::MakeFolders(folder / "a/b/c", 0700)) << "an existing folder is fine";
     folder.Write("file", "x");
-    EXPECT_FALSE(detail::MakeFolders(folder / "file", 0700));
     EXPECT_FALSE(detail::MakeFolders(folder / "file/below", 0700));
 }
 

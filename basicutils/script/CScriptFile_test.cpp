@@ -1,15 +1,12 @@
 // The script reader on real working files: skipping and comments, words,
 // lists over several lines, the expected character, the token style, both
-// ends of a file, the lifted limits, copies, writing and the working file's
+// ends of a file, the lifted limits, copies, writing, and the working file's
 // deletion.
-#include <basicutils/messaging/CMessageAction.h>
-#include <basicutils/messaging/LBroadcaster.h>
+#include <basicutils/files/FilesTest_test.h>
 #include <basicutils/platform/testing/FaultEnv.h>
-#include <basicutils/platform/testing/TempFolder.h>
 #include <basicutils/script/CScriptFile.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,63 +14,47 @@
 namespace basicutils {
 namespace {
 
-std::u16string Wide(const std::string& s) {
-    return std::u16string(s.begin(), s.end());
-}
+using filestest::Reports;
+using filestest::U16;
 
-// Opens the protected reading operations to the tests.
+// Opens the protected reading operations to the tests; `last` is the
+// answer of the last one.
 class Parser : public CScriptFile {
   public:
-    using CScriptFile::GetListMember;
     using CScriptFile::GetOneChar;
-    using CScriptFile::GetString;
     using CScriptFile::GetString2;
-    using CScriptFile::GetToken;
     using CScriptFile::StopUntilChars;
     char16_t Here() const { return mCursor ? *mCursor : u'?'; }
-    std::u16string Word(char16_t stop = u',') {
+    std::u16string Word() {
         MString word(u"untouched");
-        last = GetString(&word, stop);
-        return std::u16string(static_cast<const char16_t*>(word));
+        last = GetString(&word, u',');
+        return static_cast<const char16_t*>(word);
     }
     std::vector<std::u16string> List() {
         MStringList list;
         last = GetListMember(&list);
         std::vector<std::u16string> out;
-        for (MString* s = list.GetHead(); s; s = list.GetNext())
-            out.emplace_back(static_cast<const char16_t*>(*s));
+        for (MString* s = list.GetHead(); s; s = list.GetNext()) out.emplace_back(*s);
         return out;
     }
     std::u16string Token() {
         MString token, rest(u"x");
         last = GetToken(&token, u" \t\r\n", &rest);
-        return last == 1 ? std::u16string(static_cast<const char16_t*>(token)) : u"<end>";
+        EXPECT_EQ(last == 1 ? std::u16string(rest) : u"", u"");
+        return last == 1 ? static_cast<const char16_t*>(token) : u"<end>";
     }
     int last = 0;
 };
 
-// The reports of CMessageAction while it lives.
-struct Reports : LListener {
-    Reports() { CMessageAction::GetMessageAction()->AddListener(this); }
-    ~Reports() override { CMessageAction::GetMessageAction()->RemoveListener(this); }
-    bool ListenToMessage(int32_t message, void* param) override {
-        heard.emplace_back(message, static_cast<SInteractionInfo*>(param)->mText);
-        return true;
-    }
-    std::vector<std::pair<int32_t, std::u16string>> heard;
-};
-
-class ScriptFile : public ::testing::Test {
+class ScriptFile : public filestest::TempDirTest {
   protected:
-    // A parser on a working file with `text`.
     std::unique_ptr<Parser> Open(const std::string& text) {
         const std::string name = "w" + std::to_string(mFiles++);
-        mFolder.Write(name, text);
+        Write(name, text);
         auto parser = std::make_unique<Parser>();
-        EXPECT_EQ(parser->OpenForParse(mFolder.Library(name).c_str()), 1);
+        EXPECT_EQ(parser->OpenForParse(WPath(name).c_str()), 1);
         return parser;
     }
-    testing::TempFolder mFolder;
     int mFiles = 0;
 };
 
@@ -106,94 +87,68 @@ TEST_F(ScriptFile, SkippingWordsAndTheirEnds) {
     }
     auto comment = Open("x\n# only a comment");
     comment->GetOneChar();
-    EXPECT_EQ(comment->GetOneChar(), 1);
-    EXPECT_EQ(comment->SkipWhiteSpaceAndChar(u' '), -1);
+    EXPECT_EQ(comment->SkipWhiteSpaceAndChar(u'x'), -1);
     EXPECT_EQ(comment->Here(), u'#') << "the end of the file leaves the cursor where it was";
-    auto parser = Open("key=value;\n");
+    auto pair = Open("key=value;\n");
     MString word;
-    EXPECT_EQ(parser->GetString2(&word, MString(u"=;")), 1);
+    EXPECT_EQ(pair->GetString2(&word, MString(u"=;")), 1);
     EXPECT_EQ(word, u"key");
 }
 
-TEST_F(ScriptFile, Lists) {
-    struct Case {
-        const char* text;
-        std::vector<std::u16string> members;
-        int result;
-    };
-    const Case cases[] = {
+TEST_F(ScriptFile, ListsAndTheExpectedCharacter) {
+    const std::tuple<const char*, std::vector<std::u16string>, int> lists[] = {
         {"(a, b c)\n", {u"a", u"b", u"c"}, 1},
         {"()\n", {}, 1},
         {"a b\n", {u"a", u"b"}, 1},
-        {"# lead\n(one,\n  # between\n two // tail\n ,three)\n", {u"one", u"two", u"three"}, 1},
+        {"# lead\n(one,\n  # between\n two // tail\n ,three) next\n",
+         {u"one", u"two", u"three"},
+         1},
         {"(a, b", {u"a"}, 0},
-        {"", {}, 0},
     };
-    for (const Case& c : cases) {
-        auto parser = Open(c.text);
-        EXPECT_EQ(parser->List(), c.members) << c.text;
-        EXPECT_EQ(parser->last, c.result) << c.text;
+    for (const auto& [text, members, result] : lists) {
+        auto parser = Open(text);
+        EXPECT_EQ(parser->List(), members) << text;
+        EXPECT_EQ(parser->last, result) << text;
     }
-    auto parser = Open("(x) next\n");
-    parser->List();
-    EXPECT_EQ(parser->Word(), u"next") << "the closing parenthesis and blanks are skipped";
-}
-
-TEST_F(ScriptFile, ExpectedCharactersAndTheSyntaxError) {
     CMessageAction::SetDefault(kMessageWindow3);
-    struct Case {
-        const char* text;
-        int result;
-        char16_t found;
-        const char16_t* report;
-    };
-    const Case cases[] = {
-        {"   {\n", 1, u'{', nullptr},
-        {"=\n", 1, u'=', nullptr},
+    const std::tuple<const char*, int, char16_t, std::u16string> expected[] = {
+        {"   {\n", 1, u'{', u""},
         {"   x\n", 0, u'-', u"syntax error: Syntax error near line 1\n              >>>     x\n"},
         {"# x\n", 0, u'-', u"syntax error: Syntax error near line 1\n              >>>  # x\n"},
     };
-    for (const Case& c : cases) {
-        auto parser = Open(c.text);
+    for (const auto& [text, result, found, report] : expected) {
+        auto parser = Open(text);
         Reports reports;
-        char16_t found = u'-';
-        EXPECT_EQ(parser->StopUntilChars(MString(u"={"), &found), c.result) << c.text;
-        EXPECT_EQ(found, c.found) << c.text;
-        if (!c.report) {
-            EXPECT_TRUE(reports.heard.empty());
-            continue;
-        }
+        char16_t got = u'-';
+        EXPECT_EQ(parser->StopUntilChars(MString(u"={"), &got), result) << text;
+        EXPECT_EQ(got, found) << text;
+        if (report.empty()) continue;
         ASSERT_EQ(reports.heard.size(), 1u);
         EXPECT_EQ(reports.heard[0].first, 26010) << "window 2, whatever the default";
-        EXPECT_EQ(reports.heard[0].second, c.report);
+        EXPECT_EQ(reports.heard[0].second, report);
     }
     CMessageAction::SetDefault(kMessageWindow1);
 }
 
 TEST_F(ScriptFile, TokenStyle) {
-    struct Case {
-        const char* text;
-        std::vector<std::u16string> tokens;  // then the end
-        int lines;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, std::vector<std::u16string>, int> cases[] = {
         {"// c\n\nab cd\n", {u"ab", u"cd"}, 3},
         {"ab //c d\nnext\n", {u"ab", u"next"}, 2},
         {"/ /x\n", {u"/", u"/x"}, 1},
         {"no end", {u"no", u"end"}, 1},
     };
-    for (const Case& c : cases) {
-        auto parser = Open(c.text);
-        for (const std::u16string& token : c.tokens) EXPECT_EQ(parser->Token(), token) << c.text;
-        EXPECT_EQ(parser->Token(), u"<end>") << c.text;
-        EXPECT_EQ(parser->GetCurrentLineNum(), c.lines) << c.text;
+    for (const auto& [text, tokens, lines] : cases) {
+        auto parser = Open(text);
+        for (const std::u16string& token : tokens) EXPECT_EQ(parser->Token(), token) << text;
+        EXPECT_EQ(parser->Token(), u"<end>") << text;
+        EXPECT_EQ(parser->GetCurrentLineNum(), lines) << text;
     }
     auto parser = Open("ab cd\n");
     parser->Token();
     EXPECT_EQ(std::u16string(parser->GetCurrentLine()), u"ab cd") << "without its line end";
 }
 
-TEST_F(ScriptFile, TokensNeverContinueAnotherParsersLine) {
+TEST_F(ScriptFile, CopiesAndOtherParsersNeverShareALine) {
     auto first = Open("a b c\n");
     EXPECT_EQ(first->Token(), u"a");
     first.reset();  // its token line is freed
@@ -202,6 +157,13 @@ TEST_F(ScriptFile, TokensNeverContinueAnotherParsersLine) {
     Parser copy(*second);
     EXPECT_EQ(copy.Token(), u"<end>") << "a copy starts at the next line";
     EXPECT_EQ(second->Token(), u"y");
+    auto words = Open("alpha beta\n");
+    words->SkipWhiteSpaceAndChar(u' ');
+    words->Word();
+    auto wordCopy = std::make_unique<Parser>(*words);
+    words.reset();
+    wordCopy->SkipWhiteSpaceAndChar(u' ');
+    EXPECT_EQ(wordCopy->Word(), u"beta") << "the copy's cursor is in its own line";
 }
 
 TEST_F(ScriptFile, LongWordsMembersAndLinesAreReadWhole) {
@@ -209,42 +171,25 @@ TEST_F(ScriptFile, LongWordsMembersAndLinesAreReadWhole) {
     auto parser =
         Open(word + " (" + member + ")\n" + line + "\n" + std::string(200000, 'z') + "\nend\n");
     parser->SkipWhiteSpaceAndChar(u' ');
-    EXPECT_EQ(parser->Word(), Wide(word));
-    const auto members = parser->List();
-    ASSERT_EQ(members.size(), 1u);
-    EXPECT_EQ(members[0], Wide(member));
-    EXPECT_EQ(parser->Word(), Wide(line));
+    EXPECT_EQ(parser->Word(), U16(word));
+    EXPECT_EQ(parser->List(), std::vector<std::u16string>{U16(member)});
+    EXPECT_EQ(parser->Word(), U16(line));
     EXPECT_EQ(parser->GetCurrentLineNum(), 2);
     parser->SkipWhiteSpaceAndChar(u' ');
     EXPECT_EQ(parser->Word().size(), 200000u) << "a word crosses the pieces of a long line";
     EXPECT_EQ(parser->GetCurrentLineNum(), 4) << "two pieces, counted as two lines";
-    parser->SkipWhiteSpaceAndChar(u' ');
-    EXPECT_EQ(parser->Word(), u"end");
-}
-
-TEST_F(ScriptFile, ACopyReadsOnFromTheSamePlace) {
-    auto parser = Open("alpha beta\n");
-    parser->SkipWhiteSpaceAndChar(u' ');
-    parser->Word();
-    auto copy = std::make_unique<Parser>(*parser);
-    parser.reset();
-    copy->SkipWhiteSpaceAndChar(u' ');
-    EXPECT_EQ(copy->Word(), u"beta");
 }
 
 TEST_F(ScriptFile, WritingAndTheWorkingFilesEnd) {
-    const std::string name = mFolder / "out.txt";
     {
         Parser writer;
-        ASSERT_EQ(writer.FOpen(Wide(name).c_str(), kOpenWriteText), 0);
-        MString empty, text(u"één ");
-        EXPECT_EQ(writer.WriteString2File(&empty), 1);
+        ASSERT_EQ(writer.FOpen(WPath("out").c_str(), kOpenWriteText), 0);
+        MString empty, text(u"één "), big(std::u16string(20000, u'é').c_str());
         MStringList list;
         list.Add(u"a");
         list.Add(u"bc\n");
-        EXPECT_EQ(writer.WriteString2File(&text), 1);
+        EXPECT_EQ(writer.WriteString2File(&empty) + writer.WriteString2File(&text), 2);
         EXPECT_EQ(writer.WriteStringList2File(&list), 1);
-        MString big(std::u16string(20000, u'é').c_str());
         EXPECT_EQ(writer.WriteString2File(&big), 1) << "no 10,000-byte limit";
         testing::FaultEnv faults;
         faults.FailFrom(testing::SysCall::kWrite, 1, ENOSPC);
@@ -252,22 +197,14 @@ TEST_F(ScriptFile, WritingAndTheWorkingFilesEnd) {
         ::testing::internal::CaptureStdout();
         EXPECT_EQ(writer.WriteString2File(&text), 0);
         EXPECT_EQ(::testing::internal::GetCapturedStdout(),
-                  "Error: write failed(" + name + ")\nCheck your free disk size\n");
-        writer.FClose();
+                  "Error: write failed(" + Path("out") + ")\nCheck your free disk size\n");
     }
-    const std::string written = mFolder.Read("out.txt");
+    const std::string written = Read("out");
     EXPECT_EQ(written.substr(0, 10), "\xC3\xA9\xC3\xA9n abc\n");
     EXPECT_EQ(written.size(), 10u + 40000u);
-
-    mFolder.Write("work", "x\n");
-    {
-        Parser parser;
-        EXPECT_EQ(parser.OpenForParse(mFolder.Library("work").c_str()), 1);
-        parser.FClose();
-    }
-    EXPECT_FALSE(std::filesystem::exists(mFolder / "work")) << "the destructor deletes it";
-    Parser missing;
-    EXPECT_EQ(missing.OpenForParse(mFolder.Library("missing").c_str()), 0);
+    Open("x\n").reset();
+    EXPECT_FALSE(std::filesystem::exists(Path("w0"))) << "the destructor deletes the working file";
+    EXPECT_EQ(Parser().OpenForParse(WPath("missing").c_str()), 0);
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ TEST_F(EnvironmentCommands, SettingsRoundTripAndMissingKeys) {
     };
     for (const Step& step : steps) {
         const auto run = RunTool(step.args);
-        EXPECT_EQ(run.status, step.status) << step.args[1] << " " << step.args[3] << run.err;
+        EXPECT_EQ(run.status, step.status) << step.args[1] << " " << step.args.back() << run.err;
         EXPECT_EQ(run.out, step.out);
     }
     EXPECT_EQ(mHome.Read("config/basicutils.ini"), "[VELMORANT]\nKey=a value\n");
