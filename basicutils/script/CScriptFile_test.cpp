@@ -4,6 +4,7 @@
 // deletion.
 #include <basicutils/files/FilesTest_test.h>
 #include <basicutils/platform/testing/FaultEnv.h>
+#include <basicutils/platform/testing/TempFolder.h>
 #include <basicutils/script/CScriptFile.h>
 #include <gtest/gtest.h>
 
@@ -15,7 +16,13 @@ namespace basicutils {
 namespace {
 
 using filestest::Reports;
-using filestest::U16;
+
+std::u16string U16(const std::string& s) {
+    return std::u16string(s.begin(), s.end());
+}
+std::string Narrow(const std::u16string& s) {
+    return std::string(s.begin(), s.end());  // the tests' paths are ASCII
+}
 
 // Opens the protected reading operations to the tests; `last` is the
 // answer of the last one.
@@ -46,15 +53,16 @@ class Parser : public CScriptFile {
     int last = 0;
 };
 
-class ScriptFile : public filestest::TempDirTest {
+class ScriptFile : public ::testing::Test {
   protected:
     std::unique_ptr<Parser> Open(const std::string& text) {
         const std::string name = "w" + std::to_string(mFiles++);
-        Write(name, text);
+        mFolder.Write(name, text);
         auto parser = std::make_unique<Parser>();
-        EXPECT_EQ(parser->OpenForParse(WPath(name).c_str()), 1);
+        EXPECT_EQ(parser->OpenForParse(mFolder.Library(name).c_str()), 1);
         return parser;
     }
+    testing::TempFolder mFolder;
     int mFiles = 0;
 };
 
@@ -183,7 +191,7 @@ TEST_F(ScriptFile, LongWordsMembersAndLinesAreReadWhole) {
 TEST_F(ScriptFile, WritingAndTheWorkingFilesEnd) {
     {
         Parser writer;
-        ASSERT_EQ(writer.FOpen(WPath("out").c_str(), kOpenWriteText), 0);
+        ASSERT_EQ(writer.FOpen(mFolder.Library("out").c_str(), kOpenWriteText), 0);
         MString empty, text(u"één "), big(std::u16string(20000, u'é').c_str());
         MStringList list;
         list.Add(u"a");
@@ -196,15 +204,17 @@ TEST_F(ScriptFile, WritingAndTheWorkingFilesEnd) {
         testing::ScopedEnv use(faults);
         ::testing::internal::CaptureStdout();
         EXPECT_EQ(writer.WriteString2File(&text), 0);
-        EXPECT_EQ(::testing::internal::GetCapturedStdout(),
-                  "Error: write failed(" + Path("out") + ")\nCheck your free disk size\n");
+        EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Error: write failed(" +
+                                                                Narrow(mFolder.Library("out")) +
+                                                                ")\nCheck your free disk size\n");
     }
-    const std::string written = Read("out");
+    const std::string written = mFolder.Read("out");
     EXPECT_EQ(written.substr(0, 10), "\xC3\xA9\xC3\xA9n abc\n");
     EXPECT_EQ(written.size(), 10u + 40000u);
     Open("x\n").reset();
-    EXPECT_FALSE(std::filesystem::exists(Path("w0"))) << "the destructor deletes the working file";
-    EXPECT_EQ(Parser().OpenForParse(WPath("missing").c_str()), 0);
+    EXPECT_FALSE(std::filesystem::exists(mFolder / "w0"))
+        << "the destructor deletes the working file";
+    EXPECT_EQ(Parser().OpenForParse(mFolder.Library("missing").c_str()), 0);
 }
 
 }  // namespace
