@@ -25,12 +25,17 @@ class TempFolder {
     TempFolder& operator=(const TempFolder&) = delete;
 
     const std::filesystem::path& Path() const { return mPath; }
-    // The path of `name` inside, in the system's spelling.
+    // The path of `name` inside, in the system's spelling; also as 16-bit
+    // text with `/` (ASCII names only).
     std::string operator/(const std::string& name) const { return (mPath / name).string(); }
+    std::string Path(const std::string& name) const { return *this / name; }
+    std::u16string Wide(const std::string& name = "") const {
+        const std::string path = *this / name;
+        return {path.begin(), path.end()};
+    }
     // The same in the library's spelling, `\` between names.
     std::u16string Library(const std::string& name = "") const {
-        std::string text = name.empty() ? mPath.string() + "/" : (mPath / name).string();
-        std::u16string out(text.begin(), text.end());  // temporary paths are ASCII
+        std::u16string out = Wide(name);
         for (char16_t& c : out)
             if (c == u'/') c = u'\\';
         return out;
