@@ -18,12 +18,16 @@
 #include <basicutils/platform/Console.h>
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/FileApi.h>
+#include <basicutils/platform/FileDialog.h>
 #include <basicutils/platform/MessageQueue.h>
+#include <basicutils/platform/Modules.h>
 #include <basicutils/platform/RuntimeFiles.h>
 #include <basicutils/platform/RuntimeStream.h>
 #include <basicutils/platform/Sync.h>
+#include <basicutils/platform/SystemFolders.h>
 #include <basicutils/platform/Threads.h>
 #include <basicutils/platform/VirtualMemory.h>
+#include <basicutils/platform/WinApp.h>
 #include <basicutils/platform/WinThread.h>
 
 // text
@@ -74,4 +78,11 @@
 // undo
 #include <basicutils/undo/COperation.h>
 // script
+#include <basicutils/script/CScriptFile.h>
 // environment
+#include <basicutils/environment/CSharedLibrary.h>
+#include <basicutils/environment/CVelmorantDirectories.h>
+#include <basicutils/environment/CVelmorantProfile.h>
+#include <basicutils/environment/CVersionControl.h>
+#include <basicutils/environment/MFileDialog.h>
+#include <basicutils/environment/MRect.h>

@@ -28,6 +28,7 @@ bool CAppBits::sByteMasksInitialized = CAppBits::InitializeByteMasks();
 CIdleProcesses gIdleProcesses;
 
 // 3. MFileDialog::sLastFile
+MFileSpecWin MFileDialog::sLastFile;
 
 // 4. LArray comparators
 LComparator LArray::sBytesComparator;
@@ -35,6 +36,7 @@ LLongComparator LArray::sLongComparator;
 LPointerComparator LArray::sPointerComparator;
 
 // 5. CVelmorantProfile::sProfilePath
+CString CVelmorantProfile::sProfilePath;
 
 // 6. StGlobalLock::sSafe
 CCriticalSection StGlobalLock::sSafe;

@@ -4,7 +4,8 @@
 # sudo; without either it prints the command to run and exits with status 1.
 set -euo pipefail
 packages=(cmake ninja-build g++ clang libclang-rt-14-dev pkg-config
-          libgtest-dev libbenchmark-dev liburing-dev)
+          libgtest-dev libbenchmark-dev liburing-dev
+          xvfb xdotool libgtk-3-0)  # the last three: the file dialog tests on a virtual display
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

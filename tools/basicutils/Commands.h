@@ -43,5 +43,11 @@ int RunFile(const Args& args);
 int RunTask(const Args& args);
 int RunTaskExample();
 int RunTaskExample(int megabytes);
+// The application's environment (EnvironmentCommands.cpp), whole entries.
+extern const Command kEnvCommand;
+extern const Command kSettingsCommand;
+extern const Command kChooseCommand;
+// The script reader (ScriptCommand.cpp).
+extern const Command kScriptCommand;
 
 }  // namespace basicutils_tool

@@ -68,6 +68,10 @@ const Command kCommands[] = {
      "  checksums MIB mebibytes of generated data (default 64) on a worker thread,\n"
      "  drawing progress on stderr and printing the result on stdout",
      RunTask},
+    kEnvCommand,
+    kSettingsCommand,
+    kChooseCommand,
+    kScriptCommand,
     {nullptr, nullptr, nullptr, nullptr, nullptr},
 };
 

@@ -71,6 +71,8 @@ enum class SysCall : int {
     kLstat,
     kFcntl,
     kFadvise,
+    kFlock,
+    kReadlink,
     kCount  // the number of kinds; keep last
 };
 
@@ -131,6 +133,11 @@ class BASICUTILS_EXPORT Env {
     virtual int Fcntl(int fd, int command, int argument) = 0;
     // posix_fadvise: returns 0 or the error number (errno is not used).
     virtual int Fadvise(int fd, off_t offset, off_t length, int advice) = 0;
+    // flock: an advisory lock on the whole open file (LOCK_SH, LOCK_EX,
+    // LOCK_UN, with LOCK_NB).
+    virtual int Flock(int fd, int operation) = 0;
+    // readlink: the target of a symbolic link, not zero-terminated.
+    virtual ssize_t Readlink(const char* path, char* buffer, size_t size) = 0;
 };
 
 // The real calls. Stateless; the one instance lives for the whole process.
@@ -187,6 +194,8 @@ class BASICUTILS_EXPORT EnvWrapper : public Env {
     int Lstat(const char* path, struct stat* status) override;
     int Fcntl(int fd, int command, int argument) override;
     int Fadvise(int fd, off_t offset, off_t length, int advice) override;
+    int Flock(int fd, int operation) override;
+    ssize_t Readlink(const char* path, char* buffer, size_t size) override;
 
   private:
     Env& mTarget;

@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/eventfd.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -79,6 +80,10 @@ class RealEnv final : public Env {
     int Fadvise(int fd, off_t offset, off_t length, int advice) override {
         return ::posix_fadvise(fd, offset, length, advice);
     }
+    int Flock(int fd, int operation) override { return ::flock(fd, operation); }
+    ssize_t Readlink(const char* path, char* buffer, size_t size) override {
+        return ::readlink(path, buffer, size);
+    }
 };
 
 std::atomic<Env*> gCurrent{nullptr};
@@ -117,7 +122,7 @@ const char* SysCallName(SysCall call) {
         "link",    "unlink",       "mkdir",          "rmdir",   "chdir",         "getcwd", "chmod",
         "opendir", "readdir",      "closedir",       "eventfd", "thread_create", "dlopen", "dlsym",
         "dlclose", "async_submit", "async_complete", "mmap",    "munmap",        "lstat",  "fcntl",
-        "fadvise"};
+        "fadvise", "flock",        "readlink"};
     static_assert(sizeof kNames / sizeof kNames[0] == static_cast<size_t>(SysCall::kCount));
     const auto index = static_cast<size_t>(call);
     return index < static_cast<size_t>(SysCall::kCount) ? kNames[index] : "?";
@@ -231,6 +236,12 @@ int EnvWrapper::Fcntl(int fd, int command, int argument) {
 }
 int EnvWrapper::Fadvise(int fd, off_t offset, off_t length, int advice) {
     return mTarget.Fadvise(fd, offset, length, advice);
+}
+int EnvWrapper::Flock(int fd, int operation) {
+    return mTarget.Flock(fd, operation);
+}
+ssize_t EnvWrapper::Readlink(const char* path, char* buffer, size_t size) {
+    return mTarget.Readlink(path, buffer, size);
 }
 
 }  // namespace basicutils::detail

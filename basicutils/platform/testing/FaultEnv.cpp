@@ -215,6 +215,14 @@ int FaultEnv::Fcntl(int fd, int command, int argument) {
     BASICUTILS_FAIL_CHECK(SysCall::kFcntl, -1)
     return Target().Fcntl(fd, command, argument);
 }
+int FaultEnv::Flock(int fd, int operation) {
+    BASICUTILS_FAIL_CHECK(SysCall::kFlock, -1)
+    return Target().Flock(fd, operation);
+}
+ssize_t FaultEnv::Readlink(const char* path, char* buffer, size_t size) {
+    BASICUTILS_FAIL_CHECK(SysCall::kReadlink, ssize_t{-1})
+    return Target().Readlink(path, buffer, size);
+}
 #undef BASICUTILS_FAIL_CHECK
 
 int FaultEnv::ThreadCreate(pthread_t* thread, const pthread_attr_t* attr, void* (*routine)(void*),

@@ -99,6 +99,8 @@ class FaultEnv : public detail::EnvWrapper {
     int Lstat(const char* path, struct stat* status) override;
     int Fcntl(int fd, int command, int argument) override;
     int Fadvise(int fd, off_t offset, off_t length, int advice) override;
+    int Flock(int fd, int operation) override;
+    ssize_t Readlink(const char* path, char* buffer, size_t size) override;
 
   private:
     enum class Action { kFail, kShort, kKill };
