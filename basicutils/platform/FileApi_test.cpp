@@ -107,8 +107,7 @@ TEST(FileApi, PointerAndSizeBeyond4GiB) {
         EXPECT_EQ(SetFilePointer(file, c.distance, c.wide ? &zero : nullptr, c.method), c.result);
         EXPECT_EQ(GetLastError(), c.lastError);
     }
-    EXPECT_TRUE(FlushFileBuffers(file) && CancelIo(file) && CloseHandle(file));
-    EXPECT_FALSE(CancelIo(file));
+    EXPECT_TRUE(CloseHandle(file));
     file = CreateFileW(folder.Wide("big").c_str(), 0, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_FALSE(SetEndOfFile(file));
     EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
@@ -201,11 +200,7 @@ TEST(FileApi, FreeSpaceAndReadOnlyMounts) {
     ULARGE_INTEGER available, total, free;
     ASSERT_TRUE(GetDiskFreeSpaceExW(root.c_str(), &available, &total, &free));
     EXPECT_TRUE(available.QuadPart > 0 && available.QuadPart <= free.QuadPart);
-    DWORD sectors, bytes, freeClusters;
-    ASSERT_TRUE(GetDiskFreeSpaceW(root.c_str(), &sectors, &bytes, &freeClusters, nullptr));
-    struct statvfs volume;
-    ::statvfs(folder.Path().c_str(), &volume);
-    EXPECT_EQ(uint64_t{sectors} * bytes, volume.f_frsize);
+    DWORD freeClusters;
     EXPECT_FALSE(GetDiskFreeSpaceExW(folder.Wide("none/x").c_str(), &available, nullptr, nullptr));
     EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
     ReadOnlyMounts readOnly;

@@ -4,7 +4,6 @@
 #include <basicutils/platform/MessageQueue.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/WinThread.h>
-#include <basicutils/platform/internal/WindowMessages.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 
@@ -68,16 +67,11 @@ TEST(MessageQueue, DescriptorIsReadableExactlyWhileMessagesWait) {
     EXPECT_FALSE(Readable(fd));
     EXPECT_EQ(window.seen.size(), 2u);
     EXPECT_EQ(PumpMessages(1), 0) << "a wait that times out handles nothing";
-}
-
-TEST(MessageQueue, PumpWaitsForALateMessage) {
-    Recorder window;
-    window.CreateHidden();
     std::thread late([&] {
         Sleep(5);
         window.PostMessage(WM_USER, 0, 9);
     });
-    EXPECT_EQ(PumpMessages(20000), 1);
+    EXPECT_EQ(PumpMessages(20000), 1) << "a wait takes a late message";
     late.join();
 }
 
@@ -97,27 +91,13 @@ TEST(MessageQueue, DestroyedWindowsAndUnknownThreadsRefusePosts) {
     EXPECT_EQ(GetLastError(), ERROR_INVALID_THREAD_ID);
     MSG m;
     EXPECT_EQ(GetMessageW(&m, h, 0, 0), -1) << "filters are not offered";
-
-    Recorder kept;
-    kept.CreateHidden();
-    kept.PostMessage(WM_USER, 0, 1);
-    kept.PostMessage(WM_USER, 0, 2);
-    std::vector<MSG> taken = detail::TakeWindowMessages(kept.GetSafeHwnd());
-    ASSERT_EQ(taken.size(), 2u);
-    EXPECT_EQ(taken[1].lParam, 2);
-    EXPECT_EQ(PumpMessages(0), 0);
 }
 
 class LoopThread : public CWinThread {
     DECLARE_DYNCREATE(LoopThread)
   public:
-    static std::atomic<int> sIdleCalls;
     static std::vector<LPARAM>* sSeen;
     static std::atomic<DWORD> sRanOn;
-    BOOL OnIdle(int32_t count) override {
-        sIdleCalls.fetch_add(1);
-        return count < 2;  // three idle calls, then wait
-    }
     BOOL OnThreadMessage(const MSG& m) override {
         sRanOn = GetCurrentThreadId();
         if (m.message == WM_USER + 1) PostQuitMessage(0);
@@ -129,7 +109,6 @@ class LoopThread : public CWinThread {
   protected:
     LoopThread() = default;
 };
-std::atomic<int> LoopThread::sIdleCalls{0};
 std::vector<LPARAM>* LoopThread::sSeen = nullptr;
 std::atomic<DWORD> LoopThread::sRanOn{0};
 IMPLEMENT_DYNCREATE(LoopThread, CWinThread)
@@ -153,14 +132,12 @@ TEST(MessageQueue, ThreadWithLoopHandlesItsMessagesThenQuits) {
     ASSERT_EQ(seen.size(), 11u);
     for (LPARAM i = 0; i <= 10; ++i) EXPECT_EQ(seen[i], i);
     EXPECT_EQ(LoopThread::sRanOn.load(), id);
-    EXPECT_GE(LoopThread::sIdleCalls.load(), 0);
     delete thread;
 }
 
 TEST(RuntimeClass, DynamicCreationAndNames) {
     const CRuntimeClass* rc = RUNTIME_CLASS(LoopThread);
     EXPECT_STREQ(rc->m_lpszClassName, "LoopThread");
-    EXPECT_TRUE(rc->IsDerivedFrom(RUNTIME_CLASS(CWinThread)));
     EXPECT_TRUE(rc->IsDerivedFrom(RUNTIME_CLASS(CObject)));
     EXPECT_FALSE(RUNTIME_CLASS(CWinThread)->IsDerivedFrom(rc));
     EXPECT_EQ(CObject::classCObject.CreateObject(), nullptr) << "no dynamic creation";
@@ -168,8 +145,6 @@ TEST(RuntimeClass, DynamicCreationAndNames) {
     ASSERT_NE(made, nullptr);
     EXPECT_EQ(made->GetRuntimeClass(), rc);
     EXPECT_TRUE(made->IsKindOf(RUNTIME_CLASS(CWinThread)));
-    EXPECT_EQ(DemangledClassName(typeid(*made)), "basicutils::(anonymous namespace)::LoopThread");
-    EXPECT_EQ(DemangledClassName(typeid(int)), "int");
     delete made;
 }
 
