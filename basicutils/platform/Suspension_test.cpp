@@ -134,12 +134,11 @@ TEST(Suspension, SuspendRightAfterResumeNeverHangs) {
 // The second and third hangs: a thread stopped while it held a registry lock
 // of this library, or the allocator's lock, blocked whoever needed it next.
 TEST(Suspension, AStoppedThreadHoldsNoLibraryOrAllocatorLock) {
-    struct Case {
-        const char* name;
-        void (*work)(Looper*);
-        void (*meanwhile)(Looper&);
-    } cases[] = {{"library calls", &LibraryCalls, &SameCallsFromOutside},
-                 {"allocations", &Allocations, &FreeTheLoopersBlocks}};
+    // clang-format off
+    struct Case { const char* name; void (*work)(Looper*); void (*meanwhile)(Looper&); } cases[] = {
+        {"library calls", &LibraryCalls, &SameCallsFromOutside},
+        {"allocations", &Allocations, &FreeTheLoopersBlocks}};
+    // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_COMPLETES_WITHIN(kDeadlineSeconds, [&] {
@@ -207,10 +206,11 @@ TEST(Suspension, ASelfSuspendedThreadStopsOnceOutsideTheLibrarysLocks) {
             return 0;
         }
     };
-    struct Case {
-        bool lock, leave;
-        int stopsAtStage;  // -1: never stops
-    } cases[] = {{false, false, 0}, {true, true, 1}, {true, false, -1}};
+    // stopsAtStage -1: never stops
+    // clang-format off
+    struct Case { bool lock, leave; int stopsAtStage; } cases[] = {
+        {false, false, 0}, {true, true, 1}, {true, false, -1}};
+    // clang-format on
     for (const Case& c : cases) {
         Holder holder;
         holder.lock = c.lock;
