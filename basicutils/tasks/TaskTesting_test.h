@@ -135,12 +135,7 @@ class MessageLog : public LListener {
 // Pumps the main thread's queue until `done` holds; fails after a generous
 // limit instead of hanging.
 inline bool PumpUntil(const std::function<bool()>& done) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > limit) return false;
-        PumpMessages(5);
-    }
-    return true;
+    return WaitUntil([&] { return done() || (PumpMessages(5), done()); }, std::chrono::seconds(60));
 }
 
 }  // namespace basicutils::testing_support
