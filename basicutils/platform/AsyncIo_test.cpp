@@ -6,9 +6,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <condition_variable>
+#include <chrono>
+#include <climits>
 #include <cstdlib>
-#include <mutex>
+#include <future>
 #include <string>
 #include <vector>
 
@@ -21,25 +22,18 @@ using testing::ScopedEnv;
 // A transfer with a way to wait for its end.
 struct Waited {
     AsyncTransfer transfer;
-    std::mutex lock;
-    std::condition_variable ended;
-    bool done = false;
-    int64_t result = 0;
+    std::promise<int64_t> ended;
+    std::future<int64_t> result = ended.get_future();
 
-    Waited(int fd, bool write, void* buffer, uint32_t count, int64_t offset) {
-        transfer = {fd, write, buffer, count, offset, &Done, this};
-    }
+    Waited(int fd, bool write, void* buffer, uint32_t count, int64_t offset)
+        : transfer{fd, write, buffer, count, offset, &Done, this} {}
     static void Done(AsyncTransfer* t, int64_t result) {
-        auto* self = static_cast<Waited*>(t->context);
-        std::lock_guard<std::mutex> g(self->lock);
-        self->result = result;
-        self->done = true;
-        self->ended.notify_all();
+        static_cast<Waited*>(t->context)->ended.set_value(result);
     }
     int64_t Wait() {
-        std::unique_lock<std::mutex> l(lock);
-        EXPECT_TRUE(ended.wait_for(l, std::chrono::seconds(10), [&] { return done; }));
-        return result;
+        const bool ended = result.wait_for(std::chrono::seconds(10)) == std::future_status::ready;
+        EXPECT_TRUE(ended) << "the transfer never ended";
+        return ended ? result.get() : INT64_MIN;
     }
 };
 
@@ -113,10 +107,9 @@ TEST_P(AsyncIo, DrainWaitsForEveryTransferOfTheDescriptor) {
     TheAsyncBackend().Cancel(fd);
     TheAsyncBackend().Drain(fd);
     for (auto& w : all) {
-        std::lock_guard<std::mutex> g(w->lock);
-        ASSERT_TRUE(w->done);
-        EXPECT_TRUE(w->result == static_cast<int64_t>(data.size()) || w->result == -ECANCELED)
-            << w->result;
+        ASSERT_EQ(w->result.wait_for(std::chrono::seconds(0)), std::future_status::ready);
+        const int64_t result = w->result.get();
+        EXPECT_TRUE(result == static_cast<int64_t>(data.size()) || result == -ECANCELED) << result;
     }
 }
 

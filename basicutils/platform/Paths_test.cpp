@@ -45,29 +45,21 @@ TEST(Paths, ListedNamesReachTheirOwnFiles) {
     testing::TempFolder folder;
     folder.Write("\xFF\x41", "invalid");
     folder.Write("a\\b", "backslash");
+    const std::u16string invalid = u"\xDCFF\x41", backslash = u"a\xDC5C\x62";  // "\xFF" "A", "a\\b"
     WIN32_FIND_DATAW data;
     HANDLE find = FindFirstFileW((folder.Wide() + u"*").c_str(), &data);
     std::u16string names;
     do names += std::u16string(data.cFileName) + u"|";
     while (FindNextFileW(find, &data));
     FindClose(find);
-    EXPECT_NE(names.find(u"|\xDCFF"
-                         u"A|"),
-              std::u16string::npos);
-    EXPECT_NE(names.find(u"|a\xDC5C"
-                         u"b|"),
-              std::u16string::npos);
-    const int fd = _wopen((folder.Wide() + u"\xDCFF"
-                                           u"A")
-                              .c_str(),
-                          _O_RDONLY);
+    EXPECT_NE(names.find(u"|" + invalid + u"|"), std::u16string::npos);
+    EXPECT_NE(names.find(u"|" + backslash + u"|"), std::u16string::npos);
+    const int fd = _wopen((folder.Wide() + invalid).c_str(), _O_RDONLY);
     char text[8] = {};
     EXPECT_EQ(_read(fd, text, 7), 7);
     EXPECT_STREQ(text, "invalid");
     _close(fd);
-    EXPECT_TRUE(DeleteFileW((folder.Wide() + u"a\xDC5C"
-                                             u"b")
-                                .c_str()));
+    EXPECT_TRUE(DeleteFileW((folder.Wide() + backslash).c_str()));
     EXPECT_EQ(::access(folder.Path("a\\b").c_str(), F_OK), -1);
 }
 

@@ -18,12 +18,11 @@ using testing::TempFolder;
 constexpr int64_t kGiB = int64_t{1} << 30;
 
 TEST(RuntimeFiles, OpenFlagsTable) {
-    struct Case {
-        int flags;
-        const char* name;      // "f" holds "old\n", "d" is a folder, "p" a FIFO without writer
-        int error;             // errno of a refused open
-        const char* contents;  // of "f" after writing "W" and closing
-    } cases[] = {
+    // "f" holds "old\n", "d" is a folder, "p" a FIFO without writer
+    // error: errno of a refused open
+    // contents: of "f" after writing "W" and closing
+    // clang-format off
+    struct Case { int flags; const char* name; int error; const char* contents; } cases[] = {
         {_O_RDONLY, "f", 0, "old\n"},  // the write is refused
         {_O_WRONLY | _O_CREAT | _O_TRUNC, "f", 0, "W"},
         {_O_RDWR | _O_CREAT | _O_BINARY, "f", 0, "Wld\n"},
@@ -34,6 +33,7 @@ TEST(RuntimeFiles, OpenFlagsTable) {
         {_O_RDONLY, "d", EACCES, "old\n"},
         {_O_RDONLY, "p", EACCES, "old\n"},  // refused at once, never waited on
     };
+    // clang-format on
     for (const Case& c : cases) {
         TempFolder folder;
         folder.Write("f", "old\n");
@@ -72,13 +72,10 @@ TEST(RuntimeFiles, SeeksAround2And3GiBOnASparseFile) {
     struct _stati64 status;
     ASSERT_EQ(_fstati64(fd, &status), 0);
     EXPECT_EQ(status.st_size, 3 * kGiB + 1);
-    struct Case {
-        int64_t from;  // where the descriptor stands first
-        bool wide;     // _lseeki64 rather than _lseek
-        int64_t offset;
-        int origin;
-        int64_t result, after;
-    } cases[] = {
+    // from: where the descriptor stands first
+    // wide: _lseeki64 rather than _lseek
+    // clang-format off
+    struct Case { int64_t from; bool wide; int64_t offset; int origin; int64_t result, after; } cases[] = {
         {0, false, 0x7FFFFFFF, SEEK_SET, 0x7FFFFFFF, 0x7FFFFFFF},
         {0x7FFFFFFF, false, 1, SEEK_CUR, -1, 0x7FFFFFFF},  // would pass 2 GiB: stays
         {10, false, 0, SEEK_END, -1, 10},
@@ -86,6 +83,7 @@ TEST(RuntimeFiles, SeeksAround2And3GiBOnASparseFile) {
         {3 * kGiB, true, -kGiB, SEEK_CUR, 2 * kGiB, 2 * kGiB},
         {10, true, -11, SEEK_CUR, -1, 10},
     };
+    // clang-format on
     for (const Case& c : cases) {
         _lseeki64(fd, c.from, SEEK_SET);
         const int64_t result = c.wide ? _lseeki64(fd, c.offset, c.origin)
@@ -135,12 +133,9 @@ TEST(RuntimeFiles, OsHandleCutsAtTheDescriptorsPosition) {
 }
 
 TEST(RuntimeFiles, InjectedFailuresLeaveTheirNumbers) {
-    struct Case {
-        SysCall call;
-        int error;  // 0: a short transfer
-        int result;
-        uint32_t lastError;
-    } cases[] = {
+    // error 0: a short transfer
+    // clang-format off
+    struct Case { SysCall call; int error; int result; uint32_t lastError; } cases[] = {
         {SysCall::kOpen, EACCES, -1, ERROR_ACCESS_DENIED},
         {SysCall::kOpen, EMFILE, -1, ERROR_TOO_MANY_OPEN_FILES},
         {SysCall::kOpen, EINTR, 0, ERROR_SUCCESS},  // retried
@@ -150,6 +145,7 @@ TEST(RuntimeFiles, InjectedFailuresLeaveTheirNumbers) {
         {SysCall::kRead, EIO, -1, ERROR_IO_DEVICE},
         {SysCall::kRead, 0, 4, ERROR_SUCCESS},
     };
+    // clang-format on
     for (const Case& c : cases) {
         TempFolder folder;
         folder.Write("f", "12345678");

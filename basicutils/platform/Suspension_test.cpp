@@ -43,7 +43,7 @@ struct Looper {
             self->work(self);
             self->rounds.fetch_add(1);
         }
-        return 0;
+        return 7;
     }
     bool Progresses() {
         const uint64_t start = rounds.load();
@@ -66,12 +66,19 @@ std::string Toggle(HANDLE thread, Looper& looper, int times, void (*meanwhile)(L
     return looper.Progresses() ? "" : "no progress after the last resume";
 }
 
-// Starts a looper, hands it to `drive`, then ends it.
+// Starts a looper (from a thread that blocks every signal, if `masked`),
+// hands it to `drive`, then ends it.
 template <class Drive>
-std::string WithLooper(void (*work)(Looper*), Drive drive) {
+std::string WithLooper(void (*work)(Looper*), Drive drive, bool masked = false) {
     Looper looper;
     looper.work = work;
-    HANDLE h = CreateThread(nullptr, 0, &Looper::Run, &looper, 0, nullptr);
+    HANDLE h = nullptr;
+    std::thread([&] {
+        sigset_t all;
+        sigfillset(&all);
+        if (masked) pthread_sigmask(SIG_BLOCK, &all, nullptr);
+        h = CreateThread(nullptr, 0, &Looper::Run, &looper, 0, nullptr);
+    }).join();
     if (!h) return "no thread";
     std::string failure = looper.Progresses() ? drive(h, looper) : "no start";
     looper.stop = true;
@@ -119,6 +126,41 @@ void FreeTheLoopersBlocks(Looper& looper) {
     std::free(std::malloc(40000));
 }
 
+// Counts nest from creation on; a thread runs only while its count is 0.
+TEST(Suspension, CountsNestFromCreationOn) {
+    Looper looper;
+    looper.work = &Yield;
+    DWORD id = 0, code = 0;
+    HANDLE h = CreateThread(nullptr, 0, &Looper::Run, &looper, CREATE_SUSPENDED, &id);
+    ASSERT_NE(h, nullptr);
+    EXPECT_EQ(GetThreadId(h), id);
+    EXPECT_EQ(SuspendThread(h), 1u);
+    EXPECT_EQ(ResumeThread(h), 2u);
+    Sleep(2);
+    EXPECT_EQ(looper.id.load(), 0u) << "ran before its count reached 0";
+    EXPECT_EQ(ResumeThread(h), 1u);
+    ASSERT_TRUE(looper.Progresses());
+    EXPECT_EQ(ResumeThread(h), 0u);  // not suspended: nothing to do
+    GetExitCodeThread(h, &code);
+    EXPECT_EQ(code, STILL_ACTIVE);
+    for (int round = 0; round < 20; ++round) {
+        EXPECT_EQ(SuspendThread(h) + SuspendThread(h), 1u);
+        ASSERT_TRUE(detail::WaitForThreadStop(h, kStopLimitMs)) << "round " << round;
+        const uint64_t frozen = looper.rounds.load();
+        EXPECT_EQ(ResumeThread(h), 2u);
+        Sleep(2);
+        EXPECT_EQ(looper.rounds.load(), frozen) << "one Resume of two must not release it";
+        EXPECT_EQ(ResumeThread(h), 1u);
+        ASSERT_TRUE(looper.Progresses());
+    }
+    looper.stop = true;
+    EXPECT_EQ(WaitForSingleObject(h, kStopLimitMs), WAIT_OBJECT_0);
+    EXPECT_TRUE(GetExitCodeThread(h, &code));
+    EXPECT_EQ(code, 7u);
+    EXPECT_EQ(SuspendThread(h), kThreadCallFailed) << "an ended thread can't be suspended";
+    CloseHandle(h);
+}
+
 // The first hang: a Suspend that comes right after a Resume, before the
 // thread has left its stop.
 TEST(Suspension, SuspendRightAfterResumeNeverHangs) {
@@ -134,12 +176,11 @@ TEST(Suspension, SuspendRightAfterResumeNeverHangs) {
 // The second and third hangs: a thread stopped while it held a registry lock
 // of this library, or the allocator's lock, blocked whoever needed it next.
 TEST(Suspension, AStoppedThreadHoldsNoLibraryOrAllocatorLock) {
-    struct Case {
-        const char* name;
-        void (*work)(Looper*);
-        void (*meanwhile)(Looper&);
-    } cases[] = {{"library calls", &LibraryCalls, &SameCallsFromOutside},
-                 {"allocations", &Allocations, &FreeTheLoopersBlocks}};
+    // clang-format off
+    struct Case { const char* name; void (*work)(Looper*); void (*meanwhile)(Looper&); } cases[] = {
+        {"library calls", &LibraryCalls, &SameCallsFromOutside},
+        {"allocations", &Allocations, &FreeTheLoopersBlocks}};
+    // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_COMPLETES_WITHIN(kDeadlineSeconds, [&] {
@@ -165,20 +206,8 @@ TEST(Suspension, MaskOfTheCreatorAndForeignHandlersDoNotGetInTheWay) {
         sigemptyset(&foreign.sa_mask);
         sigaction(detail::SuspendSignal(), &foreign, nullptr);
 
-        Looper looper;
-        looper.work = &Yield;
-        HANDLE h = nullptr;
-        std::thread creator([&] {
-            sigset_t all;
-            sigfillset(&all);
-            pthread_sigmask(SIG_BLOCK, &all, nullptr);
-            h = CreateThread(nullptr, 0, &Looper::Run, &looper, 0, nullptr);
-        });
-        creator.join();
-        std::string failure = looper.Progresses() ? Toggle(h, looper, 5, nullptr) : "no start";
-        looper.stop = true;
-        WaitForSingleObject(h, kStopLimitMs);
-        CloseHandle(h);
+        std::string failure = WithLooper(
+            &Yield, [](HANDLE h, Looper& looper) { return Toggle(h, looper, 5, nullptr); }, true);
 
         pthread_kill(pthread_self(), detail::SuspendSignal());
         sigval value{};
@@ -207,10 +236,11 @@ TEST(Suspension, ASelfSuspendedThreadStopsOnceOutsideTheLibrarysLocks) {
             return 0;
         }
     };
-    struct Case {
-        bool lock, leave;
-        int stopsAtStage;  // -1: never stops
-    } cases[] = {{false, false, 0}, {true, true, 1}, {true, false, -1}};
+    // stopsAtStage -1: never stops
+    // clang-format off
+    struct Case { bool lock, leave; int stopsAtStage; } cases[] = {
+        {false, false, 0}, {true, true, 1}, {true, false, -1}};
+    // clang-format on
     for (const Case& c : cases) {
         Holder holder;
         holder.lock = c.lock;

@@ -1,107 +1,30 @@
-// Threads: suspended creation, real suspension, IDs, exit codes, bad handles.
-#include <basicutils/platform/Deadline_test.h>
+// Threads: IDs, the main thread, bad handles and a creation that fails.
+// Suspension is tested in Suspension_test.cpp.
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
-#include <basicutils/platform/internal/Suspension.h>
 #include <basicutils/platform/testing/FaultEnv.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <chrono>
 #include <thread>
 
 namespace basicutils {
 namespace {
 
-using testing_support::WaitUntil;
-
-struct Spinner {
-    std::atomic<bool> stop{false};
-    std::atomic<uint64_t> count{0};
-    static DWORD Run(void* p) {
-        auto* s = static_cast<Spinner*>(p);
-        while (!s->stop.load()) {
-            s->count.fetch_add(1);
-            Sleep(0);  // lets ThreadSanitizer deliver signals; no flag is read
-        }
-        return 7;
-    }
-    bool Progresses() {
-        const uint64_t start = count.load();
-        return WaitUntil([&] { return count.load() >= start + 10; });
-    }
-    // True when the count doesn't move while the caller sleeps a little.
-    bool Frozen() {
-        const uint64_t before = count.load();
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        return count.load() == before;
-    }
-};
-
-TEST(Threads, CreatedSuspendedRunsOnlyWhenCountReachesZero) {
-    Spinner s;
-    DWORD id = 0;
-    HANDLE h = CreateThread(nullptr, 0, &Spinner::Run, &s, CREATE_SUSPENDED, &id);
-    ASSERT_NE(h, nullptr);
-    EXPECT_NE(id, 0u);
-    EXPECT_EQ(GetThreadId(h), id);
-    EXPECT_EQ(SuspendThread(h), 1u);  // count 2 now
-    EXPECT_EQ(ResumeThread(h), 2u);
-    EXPECT_EQ(WaitForSingleObject(h, 0), WAIT_TIMEOUT);
-    EXPECT_EQ(s.count.load(), 0u);
-    EXPECT_EQ(ResumeThread(h), 1u);
-    EXPECT_TRUE(s.Progresses());
-    EXPECT_EQ(ResumeThread(h), 0u);  // not suspended: nothing to do
-    s.stop = true;
-    EXPECT_EQ(WaitForSingleObject(h, 20000), WAIT_OBJECT_0);
-    DWORD code = 0;
-    EXPECT_TRUE(GetExitCodeThread(h, &code));
-    EXPECT_EQ(code, 7u);
-    EXPECT_TRUE(CloseHandle(h));
-}
-
-// The spinning thread never looks at a flag: only the signal stops it.
-TEST(Threads, SuspendStopsARunningThreadUntilEveryResume) {
-    Spinner s;
-    HANDLE h = CreateThread(nullptr, 0, &Spinner::Run, &s, 0, nullptr);
-    ASSERT_NE(h, nullptr);
-    ASSERT_TRUE(s.Progresses());
-    DWORD code = 0;
-    GetExitCodeThread(h, &code);
-    EXPECT_EQ(code, STILL_ACTIVE);
-    for (int round = 0; round < 20; ++round) {
-        EXPECT_EQ(SuspendThread(h), 0u);
-        EXPECT_EQ(SuspendThread(h), 1u);
-        ASSERT_TRUE(detail::WaitForThreadStop(h, 20000)) << "round " << round;
-        EXPECT_TRUE(s.Frozen());
-        EXPECT_EQ(ResumeThread(h), 2u);
-        EXPECT_TRUE(s.Frozen()) << "one Resume of two must not release it";
-        EXPECT_EQ(ResumeThread(h), 1u);
-        ASSERT_TRUE(s.Progresses());
-    }
-    s.stop = true;
-    EXPECT_EQ(WaitForSingleObject(h, 20000), WAIT_OBJECT_0);
-    EXPECT_EQ(SuspendThread(h), kThreadCallFailed) << "an ended thread can't be suspended";
-    CloseHandle(h);
+DWORD Seven(void*) {
+    return 7;
 }
 
 TEST(Threads, IdentitiesAndTheMainThread) {
     const DWORD mine = GetCurrentThreadId();
-    EXPECT_NE(mine, 0u);
-    EXPECT_EQ(GetCurrentThreadId(), mine);
     EXPECT_EQ(GetMainThreadId(), mine) << "the test's main thread loaded the library";
-    EXPECT_TRUE(IsMainThread());
     DWORD other = 0;
     bool otherIsMain = true;
-    std::thread t([&] {
+    std::thread([&] {
         other = GetCurrentThreadId();
         otherIsMain = IsMainThread();
-    });
-    t.join();
-    EXPECT_NE(other, 0u);
-    EXPECT_NE(other, mine);
-    EXPECT_FALSE(otherIsMain);
+    }).join();
+    EXPECT_TRUE(other != 0 && other != mine && !otherIsMain);
     SetMainThreadId(other);
     EXPECT_FALSE(IsMainThread());
     SetMainThreadId(mine);
@@ -127,13 +50,13 @@ TEST(Threads, BadHandlesAndFailedCreationGiveFailures) {
     testing::FaultEnv faults;
     testing::ScopedEnv use(faults);
     faults.FailNth(detail::SysCall::kThreadCreate, 1, EAGAIN);
-    Spinner s;
-    s.stop = true;
-    EXPECT_EQ(CreateThread(nullptr, 0, &Spinner::Run, &s, 0, nullptr), nullptr);
+    EXPECT_EQ(CreateThread(nullptr, 0, &Seven, nullptr, 0, nullptr), nullptr);
     EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_QUOTA);
-    HANDLE h = CreateThread(nullptr, 0, &Spinner::Run, &s, 0, nullptr);
+    HANDLE h = CreateThread(nullptr, 0, &Seven, nullptr, 0, nullptr);
     ASSERT_NE(h, nullptr) << "only one creation was to fail";
+    DWORD code = 0;
     WaitForSingleObject(h, 20000);
+    EXPECT_TRUE(GetExitCodeThread(h, &code) && code == 7);
     CloseHandle(h);
 }
 

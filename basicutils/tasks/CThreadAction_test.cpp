@@ -115,8 +115,6 @@ TEST_F(Scheduler, AbortedWaitingTaskLeavesWithoutDisturbingTheRunningOne) {
     EXPECT_EQ(action->FindWaitingThread(running), nullptr);
     gate.Open();
     ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "run"); }));
-    EXPECT_EQ(Filtered({"run", "postplay", "58900", "pass", "29001", "deleted"}).back(),
-              "deleted:run");
     EXPECT_EQ(Filtered({"postplay", "58900", "pass", "29001", "deleted"}),
               (Steps{"58900:wait", "29001:wait", "deleted:wait", "postplay:run", "58900:run",
                      "pass:run>null", "29001:run", "deleted:run"}));
@@ -144,9 +142,6 @@ TEST_F(Scheduler, RemovingAnUnlistedTaskStillBroadcasts) {
 TEST(Dispatcher, OneWindowUntilDeletedAndMessagesToIt) {
     CThreadDispatcher* d = CThreadDispatcher::GetThreadDispatcher();
     EXPECT_EQ(CThreadDispatcher::GetThreadDispatcher(), d);
-    EXPECT_EQ(std::u16string(d->GetTitle()), u"Tasks");
-    EXPECT_EQ(d->GetStyle(), WS_OVERLAPPEDWINDOW);
-    EXPECT_EQ(d->GetExStyle(), WS_EX_TOOLWINDOW);
     EXPECT_TRUE(d->IsKindOf(RUNTIME_CLASS(CFrameWnd)));
 
     Recorder listener;

@@ -1,13 +1,11 @@
 // The life of a task: which steps run, in which order, on which thread.
 #include <basicutils/messaging/CMessageAction.h>
 #include <basicutils/messaging/Recorder_test.h>
-#include <basicutils/platform/internal/Suspension.h>
 #include <basicutils/platform/testing/FaultEnv.h>
 #include <basicutils/tasks/CVelmorantThread.h>
 #include <basicutils/tasks/TaskTesting_test.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 #include <thread>
 
@@ -140,61 +138,18 @@ TEST_F(TaskLife, ThreadThatCannotBeCreatedEndsTheTaskAndSaysSo) {
     EXPECT_TRUE(mLog.Has("run", "f2")) << "the next task of the class was not held up";
 }
 
-// Spins without looking at any flag: only real suspension stops it.
-class Spinner : public LoggedTask {
-  public:
-    using LoggedTask::LoggedTask;
-    std::atomic<bool> stop{false};
-    void RunSelf() override {
-        mStartedRunning = true;
-        while (!stop) {
-            SetPos(GetPos() + 1);
-            Sleep(0);  // lets ThreadSanitizer deliver signals; no flag is read
-        }
-    }
-    HANDLE Worker() {
-        CWinThread* thread = mThread;
-        return thread ? thread->m_hThread : nullptr;
-    }
-    bool Advances() {
-        const int64_t from = GetPos();
-        return WaitUntil([&] { return GetPos() >= from + 10; });
-    }
-};
-
-TEST_F(TaskLife, PauseSuspendsTheWorkerAndContinueResumesIt) {
-    auto* task = new Spinner(&mLog, "p", true);
-    task->SetRange(1LL << 40);
-    task->Execute();
-    ASSERT_TRUE(task->Advances());
-    task->Pause();
-    EXPECT_TRUE(task->IsPaused());
-    ASSERT_TRUE(detail::WaitForThreadStop(task->Worker(), 20000));
-    const int64_t frozen = task->GetPos();
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    EXPECT_EQ(task->GetPos(), frozen);
-    task->Continue();
-    EXPECT_FALSE(task->IsPaused());
-    EXPECT_TRUE(task->Advances());
-    task->stop = true;
-    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "p"); }));
-}
-
 TEST_F(TaskLife, ProgressScaleDescriptionAndThreadId) {
-    struct Case {
-        int64_t range, pos;
-        int expected;
-    } cases[] = {{0, 50, 0},       {2048, 1024, 512}, {2048, 2048, 1024},
-                 {100, 150, 1536}, {3, 1, 341},       {1LL << 40, 1LL << 39, 512}};
+    // clang-format off
+    struct { int64_t range, pos; int expected; } cases[] = {
+        {0, 50, 0}, {2048, 2048, 1024}, {100, 150, 1536}, {3, 1, 341}, {1LL << 40, 1LL << 39, 512}};
+    // clang-format on
     LoggedTask task(&mLog, "d", false, false);
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         task.SetRange(c.range);
         task.SetPos(c.pos);
         EXPECT_EQ(task.GetStatusPosition(), c.expected) << c.range << " " << c.pos;
     }
     EXPECT_EQ(std::u16string(task.GetDescription()), u"basicutils::testing_support::LoggedTask");
-    task.SetStatus(u"reading");
-    EXPECT_EQ(std::u16string(task.CopyStatus()), u"reading");
     struct Plain : CVelmorantThread {
         Plain() : CVelmorantThread(false) {}
     } source;

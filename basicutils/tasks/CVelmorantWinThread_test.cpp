@@ -58,26 +58,22 @@ TEST(CVelmorantWinThread, MessagesBeforeQuitAreHandledAndNoneAfter) {
     delete thread;
 }
 
+// Both guards nest on one thread, exclude others, and leave nothing held.
 TEST(ScopedLocks, NestOnOneThreadAndExcludeOthers) {
     CCriticalSection section;
-    std::atomic<BOOL> other{1};
+    std::atomic<int> otherGot{-1};
+    auto tryBoth = [&] {
+        otherGot = section.Lock(0) + StGlobalLock::sSafe.Lock(0);
+        if (otherGot == 2) section.Unlock(), StGlobalLock::sSafe.Unlock();
+    };
     {
-        StSingleLock a(&section);
-        StSingleLock b(&section);
-        std::thread([&] { other = section.Lock(0); }).join();
-        EXPECT_FALSE(other);
+        StSingleLock a(&section), b(&section);
+        StGlobalLock outer, inner;
+        std::thread(tryBoth).join();
+        EXPECT_EQ(otherGot, 0);
     }
-    std::thread([&] {
-        other = section.Lock(0);
-        if (other) section.Unlock();
-    }).join();
-    EXPECT_TRUE(other) << "two destructors leave the section free";
-    {
-        StGlobalLock outer;
-        StGlobalLock inner;
-        std::thread([&] { other = StGlobalLock::sSafe.Lock(0); }).join();
-        EXPECT_FALSE(other);
-    }
+    std::thread(tryBoth).join();
+    EXPECT_EQ(otherGot, 2) << "the destructors leave both free";
 }
 
 }  // namespace

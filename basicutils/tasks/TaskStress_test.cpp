@@ -47,9 +47,7 @@ class StressTask : public CVelmorantThread {
             ++mLedger->runs[mId];
             mLedger->order[{mKind, mLauncher}].push_back(mId);
         }
-        if (mHold) {
-            EXPECT_TRUE(testing_support::WaitUntil([&] { return mKilled.load(); }));
-        }
+        if (mHold && !WaitUntil([&] { return mKilled.load(); })) ADD_FAILURE() << "never killed";
         for (int i = 0; i < 50; ++i) SetPos(i);
         mLedger->concurrent[mKind].fetch_sub(1);
     }
@@ -65,29 +63,16 @@ class StressTask : public CVelmorantThread {
     int mId, mKind, mLauncher;
 };
 
-// Distinct most derived classes: two single-run kinds and an ordinary one.
-class KindA : public StressTask {
-  public:
-    using StressTask::StressTask;
-};
-class KindB : public StressTask {
-  public:
-    using StressTask::StressTask;
-};
-class KindPlain : public StressTask {
-  public:
-    using StressTask::StressTask;
+// Distinct most derived classes: two single-run kinds (0, 1) and an ordinary one.
+template <int kKind>
+struct Kind : StressTask {
+    Kind(Ledger* ledger, int id, int launcher) : StressTask(ledger, id, kKind, launcher) {}
 };
 
 StressTask* Make(Ledger* ledger, int id, int kind, int launcher) {
-    switch (kind) {
-        case 0:
-            return new KindA(ledger, id, kind, launcher);
-        case 1:
-            return new KindB(ledger, id, kind, launcher);
-        default:
-            return new KindPlain(ledger, id, kind, launcher);
-    }
+    if (kind == 0) return new Kind<0>(ledger, id, launcher);
+    if (kind == 1) return new Kind<1>(ledger, id, launcher);
+    return new Kind<2>(ledger, id, launcher);
 }
 
 // Swaps itself for its partner during the broadcasts it hears.
@@ -122,7 +107,7 @@ TEST(TaskStress, HundredsOfTasksEachRunOnceInOrderAndEnd) {
 
     // Aborts: a held task of kind A keeps the rest of its class waiting,
     // so their pointers stay valid until we abort them.
-    auto* holder = static_cast<StressTask*>(Make(&ledger, nextId++, 0, 99));
+    auto* holder = Make(&ledger, nextId++, 0, 99);
     holder->mHold = true;
     holder->Execute();
     std::vector<StressTask*> doomed;

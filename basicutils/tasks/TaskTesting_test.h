@@ -11,7 +11,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -45,41 +44,27 @@ class EventLog {
         for (auto& e : Events()) out.push_back(e.what + ":" + e.task);
         return out;
     }
-    bool Has(const std::string& what, const std::string& task) {
-        for (auto& e : Events())
-            if (e.what == what && e.task == task) return true;
-        return false;
-    }
+    // The thread of the first such event, 0 if there is none.
     DWORD ThreadOf(const std::string& what, const std::string& task) {
         for (auto& e : Events())
             if (e.what == what && e.task == task) return e.thread;
         return 0;
     }
+    bool Has(const std::string& what, const std::string& task) { return ThreadOf(what, task) != 0; }
 
   private:
     std::mutex mLock;
     std::vector<Event> mEvents;
 };
 
-// Holds RunSelf until opened.
-class Gate {
-  public:
-    void Open() {
-        std::lock_guard<std::mutex> g(mLock);
-        mOpen = true;
-        mCv.notify_all();
-    }
-    // Gives up after a generous limit, so that a test that never opens the
-    // gate fails instead of hanging.
+// Holds RunSelf until opened; a gate never opened fails the test after a
+// generous limit instead of hanging it.
+struct Gate {
+    std::atomic<bool> open{false};
+    void Open() { open = true; }
     void Wait() {
-        std::unique_lock<std::mutex> l(mLock);
-        EXPECT_TRUE(mCv.wait_for(l, std::chrono::seconds(60), [&] { return mOpen; }));
+        EXPECT_TRUE(WaitUntil([&] { return open.load(); }, std::chrono::seconds(60)));
     }
-
-  private:
-    std::mutex mLock;
-    std::condition_variable mCv;
-    bool mOpen = false;
 };
 
 class LoggedTask : public CVelmorantThread {
@@ -113,7 +98,6 @@ class LoggedTask : public CVelmorantThread {
     std::atomic<bool> mStartedRunning{false};
     EventLog* mLog;
     std::string mName;
-    using CVelmorantThread::mCanKill;
     using CVelmorantThread::mShouldStart;
     using CVelmorantThread::mSingleRun;
     using CVelmorantThread::mThreadType;
@@ -151,12 +135,7 @@ class MessageLog : public LListener {
 // Pumps the main thread's queue until `done` holds; fails after a generous
 // limit instead of hanging.
 inline bool PumpUntil(const std::function<bool()>& done) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > limit) return false;
-        PumpMessages(5);
-    }
-    return true;
+    return WaitUntil([&] { return done() || (PumpMessages(5), done()); }, std::chrono::seconds(60));
 }
 
 }  // namespace basicutils::testing_support
