@@ -5,8 +5,8 @@
 // what it chose) and the 1-based index of the filter chosen, and remembers
 // in sLastFile the last file chosen through any dialog of the process: a
 // dialog with no file of its own starts in that file's folder.
-// MFileDialogWin shows the platform's open dialog and MFileSaveDialogWin its
-// save dialog, which supplies a missing extension from the chosen filter.
+// MFileDialogWin asks for a file to open, MFileSaveDialogWin for a name to
+// save under (a name typed without extension gets the chosen filter's).
 // How the platform shows them, and how an application puts its own dialog in
 // their place, is told in platform/FileDialog.h; where no dialog can be
 // shown (no display, no GTK), Execute answers false at once.

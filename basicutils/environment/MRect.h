@@ -31,7 +31,8 @@ class BASICUTILS_EXPORT MRect {
         mX = x;
         mY = y;
     }
-    // 1 when mX <= x <= mX + mWidth and mY <= y <= mY + mHeight, else 0.
+    // Inclusive of the column and row just past the edges: answers 1 for
+    // x in [mX, mX + mWidth] and y in [mY, mY + mHeight], else 0.
     int IsPointed(int x, int y) const;
 
   protected:
