@@ -41,6 +41,7 @@ void Apply(LArray& array, const LArrayIterator& it, const Edit& e) {
 // A walk from position 0 over items 1..5 that edits the array when it
 // reaches a given value; what it visits shows how the iterator followed.
 TEST(LArrayIteratorWalk, EditsDuringAWalk) {
+    // clang-format off
     const struct {
         const char* what;
         int32_t at;
@@ -48,37 +49,20 @@ TEST(LArrayIteratorWalk, EditsDuringAWalk) {
         std::vector<int32_t> visited;
     } cases[] = {
         {"insert at the current index pushes it up, not visited", 2, {{0, kCur}}, {1, 2, 3, 4, 5}},
-        {"insert just after the current index is visited next",
-         2,
-         {{0, kCur + 1}},
-         {1, 2, 99, 3, 4, 5}},
+        {"insert just after the current index is visited next", 2, {{0, kCur + 1}}, {1, 2, 99, 3, 4, 5}},
         {"insert before the walk's position is not visited", 3, {{0, 1}}, {1, 2, 3, 4, 5}},
         {"append while on the last item is visited", 5, {{0, kLastIndex}}, {1, 2, 3, 4, 5, 99}},
-        {"remove the current item: the walk goes on with the next",
-         2,
-         {{1, kCur}},
-         {1, 2, 3, 4, 5}},
+        {"remove the current item: the walk goes on with the next", 2, {{1, kCur}}, {1, 2, 3, 4, 5}},
         {"remove a later item: it is not visited", 2, {{1, 4}}, {1, 2, 3, 5}},
         {"remove earlier items: the walk stays on its item", 4, {{2, 1}}, {1, 2, 3, 4, 5}},
         {"remove a range covering current and next", 2, {{2, 2}}, {1, 2, 4, 5}},
-        {"remove current, then an earlier one: nothing is skipped",
-         3,
-         {{1, kCur}, {1, 1}},
-         {1, 2, 3, 4, 5}},
-        {"remove current, then the next one: the walk skips only that",
-         3,
-         {{1, 3}, {1, 3}},
-         {1, 2, 3, 5}},
-        {"remove current, then insert at the next index: not visited",
-         3,
-         {{1, 3}, {0, 3}},
-         {1, 2, 3, 4, 5}},
-        {"remove the last item while on it, then append: not visited",
-         5,
-         {{1, 5}, {0, kLastIndex}},
-         {1, 2, 3, 4, 5}},
+        {"remove current, then an earlier one: nothing is skipped", 3, {{1, kCur}, {1, 1}}, {1, 2, 3, 4, 5}},
+        {"remove current, then the next one: the walk skips only that", 3, {{1, 3}, {1, 3}}, {1, 2, 3, 5}},
+        {"remove current, then insert at the next index: not visited", 3, {{1, 3}, {0, 3}}, {1, 2, 3, 4, 5}},
+        {"remove the last item while on it, then append: not visited", 5, {{1, 5}, {0, kLastIndex}}, {1, 2, 3, 4, 5}},
         {"remove the next item when it is the last: the walk ends", 4, {{1, 5}}, {1, 2, 3, 4}},
     };
+    // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
         auto array = MakeArray(5);
@@ -115,6 +99,7 @@ TEST(LArrayIteratorWalk, RemovingEachItemVisitsAllAndEmptiesTheArray) {
 // Every transition of the iterator's state table, one row each.
 TEST(LArrayIteratorStates, TransitionTable) {
     enum Op { kNext, kPrevious };
+    // clang-format off
     const struct {
         const char* what;
         int32_t items;
@@ -136,43 +121,16 @@ TEST(LArrayIteratorStates, TransitionTable) {
         {"past end, Previous", 3, -1, {}, {kPrevious}, true, 3, 3},
         {"past end, Previous on empty", 0, -1, {}, {kPrevious}, false, 0, 0},
         {"item removed, Next", 4, 2, {{2, 2}}, {kNext}, true, 4, 2},
-        {"item removed, Next with nothing after",
-         3,
-         2,
-         {{2, 2}},
-         {kNext},
-         false,
-         0,
-         kIteratorPastEnd},
+        {"item removed, Next with nothing after", 3, 2, {{2, 2}}, {kNext}, false, 0, kIteratorPastEnd},
         {"item removed, Previous", 4, 3, {{2, 2}}, {kPrevious}, true, 1, 1},
         {"item removed from item 1, Previous", 4, 1, {{2, 1}}, {kPrevious}, false, 0, 0},
         {"item removed with nothing after, Previous", 4, 4, {{2, 3}}, {kPrevious}, true, 2, 2},
-        {"last removed while on it, append, Previous",
-         3,
-         3,
-         {{1, 3}, {0, kLastIndex}},
-         {kPrevious},
-         true,
-         99,
-         3},
+        {"last removed while on it, append, Previous", 3, 3, {{1, 3}, {0, kLastIndex}}, {kPrevious}, true, 99, 3},
         {"stale next after the last was removed, Next", 3, 2, {{1, 3}}, {kNext}, false, 0, 3},
-        {"stale next, Next then Previous returns to the last",
-         3,
-         2,
-         {{1, 3}},
-         {kNext, kPrevious},
-         true,
-         2,
-         2},
-        {"past end on empty sees no later insertion",
-         0,
-         -1,
-         {{0, 1}},
-         {kNext},
-         false,
-         0,
-         kIteratorPastEnd},
+        {"stale next, Next then Previous returns to the last", 3, 2, {{1, 3}}, {kNext, kPrevious}, true, 2, 2},
+        {"past end on empty sees no later insertion", 0, -1, {{0, 1}}, {kNext}, false, 0, kIteratorPastEnd},
     };
+    // clang-format on
     for (const auto& r : rows) {
         SCOPED_TRACE(r.what);
         auto array = MakeArray(r.items);
@@ -242,33 +200,6 @@ TEST(LArrayIteratorLife, IteratorsDetachInAnyOrder) {
     a.reset();
     Insert(*array, 7, 1);  // no iterator left to tell
     EXPECT_EQ(Contents(*array), (std::vector<int32_t>{7, 2, 3}));
-}
-
-// The broadcast pattern: a list of pointers walked while entries remove
-// themselves or others and new ones are appended.
-TEST(LListIteratorWalk, ListenersRemovedAndAddedDuringAWalk) {
-    int slots[6] = {};
-    LList list;
-    for (int i = 0; i < 4; ++i) {
-        void* p = &slots[i];
-        list.InsertItemsAt(1, kLastIndex, &p, 0);
-    }
-    LListIterator it(list, 0);
-    std::vector<int*> called;
-    void* p = nullptr;
-    while (it.Next(&p)) {
-        int* who = static_cast<int*>(p);
-        called.push_back(who);
-        if (who == &slots[1]) {
-            list.Remove(&p, 0);  // removes itself
-            void* first = &slots[0];
-            list.Remove(&first, 0);  // and an earlier one
-            void* added = &slots[4];
-            list.InsertItemsAt(1, kLastIndex, &added, 0);
-        }
-    }
-    EXPECT_EQ(called, (std::vector<int*>{&slots[0], &slots[1], &slots[2], &slots[3], &slots[4]}));
-    EXPECT_EQ(list.GetCount(), 3u);
 }
 
 }  // namespace

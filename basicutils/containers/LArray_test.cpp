@@ -59,25 +59,9 @@ TEST(LArrayAllocation, FollowsTheOneSpareItemGrowthRule) {
     EXPECT_EQ(big.GetItemsHandle()->GetSize(), 3000u);
 }
 
-TEST(LArrayEditing, InsertionIndexIsClamped) {
-    const struct {
-        int32_t index;
-        int32_t result;
-        std::vector<int32_t> contents;
-    } cases[] = {
-        {0, 1, {9, 1, 2, 3}},          {-5, 1, {9, 1, 2, 3}},        {1, 1, {9, 1, 2, 3}},
-        {2, 2, {1, 9, 2, 3}},          {4, 4, {1, 2, 3, 9}},         {100, 4, {1, 2, 3, 9}},
-        {kLastIndex, 4, {1, 2, 3, 9}}, {INT32_MIN, 1, {9, 1, 2, 3}},
-    };
-    for (const auto& c : cases) {
-        LArray array(4, nullptr, false);
-        Fill(array, {1, 2, 3});
-        int32_t v = 9;
-        EXPECT_EQ(array.InsertItemsAt(1, c.index, &v, 0), c.result) << c.index;
-        EXPECT_EQ(Contents(array), c.contents) << c.index;
-    }
-}
-
+// Insertion, removal, swap and move at any index (0, negative, past the end,
+// kLastIndex), and keep-sorted refusals, are held to a model by the LArray
+// fuzz replay; here, locking, the 32-bit bound and assignment past the end.
 TEST(LArrayEditing, RefusedAndBoundedEdits) {
     LArray array(4, nullptr, false);
     int32_t v = 5;
@@ -126,30 +110,6 @@ TEST(LArrayEditing, FetchCopiesAtMostTheGivenSize) {
     size = 99;
     EXPECT_FALSE(array.FetchItemAt(2, out, size));
     EXPECT_EQ(size, 99u);
-}
-
-TEST(LArrayEditing, SwapAndMoveUnlessKeptSorted) {
-    const struct {
-        bool move;
-        int32_t a, b;
-        std::vector<int32_t> contents;
-    } cases[] = {
-        {false, 1, 4, {4, 2, 3, 1}}, {false, 2, 2, {1, 2, 3, 4}},
-        {false, 1, 5, {1, 2, 3, 4}}, {true, 1, 4, {2, 3, 4, 1}},
-        {true, 4, 1, {4, 1, 2, 3}},  {true, kLastIndex, 2, {1, 4, 2, 3}},
-        {true, 0, 2, {1, 2, 3, 4}},
-    };
-    for (const auto& c : cases) {
-        for (bool keep : {false, true}) {
-            LArray array(4, nullptr, false);
-            Fill(array, {1, 2, 3, 4});
-            if (keep) array.SetKeepSorted(true);
-            c.move ? array.MoveItem(c.a, c.b) : array.SwapItems(c.a, c.b);
-            const std::vector<int32_t> unchanged = {1, 2, 3, 4};
-            EXPECT_EQ(Contents(array), keep ? unchanged : c.contents)
-                << c.move << " " << c.a << " " << c.b << " keep " << keep;
-        }
-    }
 }
 
 TEST(LArrayEditing, ItemFromInsideTheArrayIsCopiedFirst) {

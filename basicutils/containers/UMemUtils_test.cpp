@@ -29,27 +29,9 @@ void ExpectSameAsMemmove(size_t bufferSize, size_t srcOffset, size_t dstOffset, 
     ASSERT_TRUE(ours == model) << "size " << size << " src " << srcOffset << " dst " << dstOffset;
 }
 
-// The copy under every array edit: all small sizes, every alignment of
-// both ends, and destinations before, inside and after the source.
-TEST(UMemUtilsMemcpy, MatchesMemmoveForEverySmallSizeAlignmentAndOverlap) {
-    const int deltas[] = {-200, -65, -64, -33, -32, -31, -9, -8, -7, -1, 0,
-                          1,    7,   8,   9,   31,  32,  33, 64, 65, 200};
-    for (size_t size = 0; size <= 300; ++size) {
-        for (size_t srcAlign = 0; srcAlign < 8; ++srcAlign) {
-            for (int delta : deltas) {
-                const size_t base = 256 + srcAlign;
-                const size_t dst = static_cast<size_t>(static_cast<long>(base) + delta);
-                ExpectSameAsMemmove(base + size + 512, base, dst, size);
-            }
-            for (size_t dstAlign = 0; dstAlign < 8; ++dstAlign) {
-                // Separate blocks, every relative alignment.
-                ExpectSameAsMemmove(2 * size + 64, srcAlign, size + 16 + dstAlign, size);
-                ExpectSameAsMemmove(2 * size + 64, size + 16 + dstAlign, srcAlign, size);
-            }
-        }
-    }
-}
-
+// Blocks below 4096 bytes, every overlap and the fill value are held to
+// memmove and memset by the UMemUtils fuzz replay; here, the sizes it does
+// not reach.
 TEST(UMemUtilsMemcpy, LargeBlocksMatchMemmove) {
     const size_t mib = size_t{1} << 20;
     const struct {
@@ -78,22 +60,9 @@ TEST(UMemUtilsMemcpy, ZeroAndNegativeSizesCopyNothing) {
     }
 }
 
-TEST(UMemUtilsMemset, FillsExactlyTheRangeAndReturnsDestination) {
-    const int values[] = {0, 255, 0x5A, 0x1A5, -1};
-    for (size_t size = 0; size <= 300; ++size) {
-        for (size_t align = 0; align < 8; ++align) {
-            for (int value : values) {
-                std::vector<unsigned char> buffer = Pattern(size + 48, static_cast<uint32_t>(size));
-                std::vector<unsigned char> model = buffer;
-                void* result = UMemUtils::memset(buffer.data() + 16 + align, value,
-                                                 static_cast<unsigned>(size));
-                std::memset(model.data() + 16 + align, value, size);
-                ASSERT_EQ(result, buffer.data() + 16 + align);
-                ASSERT_TRUE(buffer == model)
-                    << "size " << size << " align " << align << " value " << value;
-            }
-        }
-    }
+TEST(UMemUtilsMemset, ReturnsTheDestination) {
+    std::vector<unsigned char> buffer(32);
+    EXPECT_EQ(UMemUtils::memset(buffer.data() + 3, 1, 20), buffer.data() + 3);
 }
 
 }  // namespace

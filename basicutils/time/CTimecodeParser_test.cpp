@@ -23,51 +23,29 @@ std::string Fields(const CTimecode& t) {
     return buf;
 }
 
-// Parse fills from the right; the texts are kept as written.
-TEST(CTimecodeParser, ParseFillsFromTheRight) {
-    struct Case {
-        const char16_t* text;
-        const char16_t *hour, *minute, *second, *frame;
-        frame_type_t type;
-        const char16_t* written;
-    } cases[] = {
-        {u"01:02:03:04", u"01", u"02", u"03", u"04", kFrameType30, u"01:02:03:04"},
-        {u"01:02:03;04", u"01", u"02", u"03", u"04", kFrameType25, u"01:02:03;04"},
-        {u"1:2:3:4", u"1", u"2", u"3", u"4", kFrameType30, u"1:2:3:4"},
-        {u"12", u"", u"", u"", u"12", kFrameType30, u":::12"},
-        {u"3:12", u"", u"", u"3", u"12", kFrameType30, u"::3:12"},
-        {u"", u"", u"", u"", u"", kFrameType30, u":::"},
-        {u"1:2:3:4:5", u"1:2", u"3", u"4", u"5", kFrameType30, u"1:2:3:4:5"},
-        {u"10:20;30:40", u"", u"10", u"20", u"30:40", kFrameType25, u":10:20;30:40"},
-        {u"1;2:3:4", u"", u"", u"1", u"2:3:4", kFrameType25, u"::1;2:3:4"},
-        {u"ab:cd", u"", u"", u"ab", u"cd", kFrameType30, u"::ab:cd"},
+// How Parse splits and reads the fields is held to a model by the parser
+// fuzz replay; here, the texts are kept as written and copied, and GetTime
+// validates.
+TEST(CTimecodeParser, TextsAreKeptAsWrittenAndGetTimeValidates) {
+    // clang-format off
+    struct { const char16_t *text, *raw, *written; } cases[] = {
+        {u"1:2:3:4:5", u"1:2345", u"1:2:3:4:5"}, {u"12", u"12", u":::12"},
+        {u"", u"", u":::"}, {nullptr, u"", u":::"}, {u"ab:cd", u"abcd", u"::ab:cd"},
     };
-    for (const Case& c : cases) {
+    // clang-format on
+    for (const auto& c : cases) {
         CTimecodeParser p;
         p.SetHour(9);
         p.Parse(c.text, false);
         CTimecodeParser q(p);
-        EXPECT_EQ(U(q.GetString()), c.written) << std::u16string(c.text).size();
-        EXPECT_EQ(U(q.GetRawString()), std::u16string(c.hour) + c.minute + c.second + c.frame);
-        EXPECT_EQ(q.GetFrameType(), c.type);
+        EXPECT_EQ(U(q.GetString()), c.written);
+        EXPECT_EQ(U(q.GetRawString()), c.raw);
     }
-}
-
-TEST(CTimecodeParser, NumbersReadLikeWtoiAndValidateInGetTime) {
     CTimecodeParser p;
-    EXPECT_EQ(U(p.GetString()), u":::");
-    p.Parse(u"1x:2y", false);
-    EXPECT_EQ(p.GetSecond(), 1);
-    EXPECT_EQ(p.GetFrame(), 2);
-    p.Parse(u"1:2:3:4:5", false);
-    EXPECT_EQ(p.GetHour(), 1);
     p.Parse(u" -1:75:1:30", false);
-    EXPECT_EQ(p.GetHour(), 65535);  // low 16 bits
     EXPECT_EQ(Fields(p.GetTime()), "65535:59:1:29@30");
     p.SetFrameType(kFrameType25);
     EXPECT_EQ(Fields(p.GetTime()), "65535:59:1:24@25");
-    p.Parse(u"01:02:03;04", false);
-    EXPECT_EQ(Fields(p.GetTime()), "1:2:3:4@25");
     p.Parse(u"1:2:3:4", false);
     p.SetSecond(3);
     EXPECT_EQ(U(p.GetString()), u"1:2:03:4");
@@ -79,8 +57,6 @@ TEST(CTimecodeParser, NumbersReadLikeWtoiAndValidateInGetTime) {
         p.SetHour(n.value);
         EXPECT_EQ(U(p.GetRawString()).substr(0, std::u16string(n.text).size()), n.text);
     }
-    p.Parse(nullptr, false);
-    EXPECT_EQ(U(p.GetString()), u":::");
 }
 
 TEST(CTimecodeParser, KeepFrameTypeDecidesTheRate) {
@@ -121,29 +97,16 @@ TEST(CTimecodeText, GetTimeWritesTheForm) {
     }
 }
 
-// SetTime with text fills from the left, Parse from the right.
-TEST(CTimecodeText, SetTimeFillsFromTheLeft) {
-    struct {
-        const char16_t* text;
-        const char* fields;
-    } cases[] = {
-        {u"1:2", "1:2:0:0@30"},       {u"1::3", "1:3:0:0@30"},
-        {u"1;2;3;4", "1:2:3:4@30"},   {u"-5", "65531:0:0:0@30"},
-        {u"0:-5", "0:59:0:0@30"},     {u"::1:2:3:4:5", "1:2:3:4@30"},
-        {u"x", "0:0:0:0@30"},         {u"", "0:0:0:0@30"},
-        {u"1:2:3:45", "1:2:3:29@30"}, {u"0:0:0:0:0:0:0:0:0:0:0:0:0:0:0:1:2", "0:0:0:0@30"},
-    };
-    for (auto& c : cases) {
-        CTimecode t(9, 9, 9, 9, 30.0);
-        t.SetTime(c.text);
-        EXPECT_EQ(Fields(t), c.fields) << std::u16string(c.text).size();
-    }
+// How SetTime reads up to 31 units is held to a model by the SetTime fuzz
+// replay; here, what lies outside it.
+TEST(CTimecodeText, SetTimeReadsNoNullAndNothingPast31Units) {
     CTimecode t;
     EXPECT_FALSE(t.SetTime(static_cast<const char16_t*>(nullptr)));
-    // Text past 31 units is not read.
     std::u16string longText = u"1:2:3:" + std::u16string(25, u'0') + u"456";
     t.SetTime(longText.c_str());
     EXPECT_EQ(Fields(t), "1:2:3:0@30");
+    t.SetTime(u"0:0:0:0:0:0:0:0:0:0:0:0:0:0:0:1:2");
+    EXPECT_EQ(Fields(t), "0:0:0:0@30");
 }
 
 TEST(CTimecodeText, SetTimeWithTypeChoosesTheRate) {
