@@ -12,10 +12,15 @@
 
 // platform: the thin layer over the operating system.
 // (platform headers are listed here only where clients use them directly)
+#include <basicutils/platform/CFile.h>
+#include <basicutils/platform/CString.h>
 #include <basicutils/platform/CodePage.h>
 #include <basicutils/platform/Console.h>
 #include <basicutils/platform/Errors.h>
+#include <basicutils/platform/FileApi.h>
 #include <basicutils/platform/MessageQueue.h>
+#include <basicutils/platform/RuntimeFiles.h>
+#include <basicutils/platform/RuntimeStream.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
 #include <basicutils/platform/VirtualMemory.h>
