@@ -17,17 +17,17 @@
 // system wrote nothing and reported no error).
 //
 // Positions: Seek takes a signed 32-bit distance and answers the new position;
-// a position that would lie at or beyond 4 GiB, or before the start, raises
-// (badSeek or invalidFile by the Win32 number). GetLength answers the low 32
-// bits of the size.
+// a position that would lie at or beyond 4 GiB raises (genericException,
+// ERROR_INVALID_PARAMETER), one before the start too (badSeek,
+// ERROR_NEGATIVE_SEEK). GetLength answers the low 32 bits of the size.
 //
 // Status: GetStatus(path, status) answers 1 when something exists at the path
-// (taken literally: `*` and `?` are plain characters) and fills the record,
-// else 0. m_szFullName is the absolute name (the current folder in front of a
-// relative one, nothing normalised), cut to MAX_PATH-1 units when longer;
-// m_size is the low 32 bits of the size; m_attribute the FILE_ATTRIBUTE_
-// bits without FILE_ATTRIBUTE_NORMAL; m_ctime the last change of the file's
-// status, m_mtime the last write, m_atime the last access.
+// (taken literally: `*` and `?` are plain characters; a symbolic link exists
+// even when it leads nowhere) and fills the record, else 0. m_szFullName is the absolute name (the
+// current folder in front of a relative one, nothing normalised), cut to MAX_PATH-1 units when
+// longer; m_size is the low 32 bits of the size; m_attribute the FILE_ATTRIBUTE_ bits without
+// FILE_ATTRIBUTE_NORMAL; m_ctime the last change of the file's status, m_mtime the last write,
+// m_atime the last access.
 //
 // typeText and typeBinary are accepted and change nothing: a CFile is always
 // binary. The share flags are accepted and not enforced (see FileApi.h).

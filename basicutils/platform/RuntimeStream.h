@@ -44,8 +44,8 @@
 // lone surrogate written as U+FFFD.
 //
 // Failure sets errno and GetLastError as every call of the layer does, and
-// the stream's error flag; clearerr or fseek clears it. A stream belongs to
-// one thread at a time.
+// the stream's error flag, which stays until clearerr. fseek and clearerr
+// clear the end-of-file flag. A stream belongs to one thread at a time.
 #pragma once
 
 #include <basicutils/Export.h>
@@ -74,8 +74,8 @@ BASICUTILS_EXPORT size_t fwrite(const void* buffer, size_t size, size_t count,
 BASICUTILS_EXPORT char* fgets(char* buffer, int n, RuntimeStream* stream);
 // Writes the text without its terminator: 0, or -1 on failure.
 BASICUTILS_EXPORT int fputs(const char* text, RuntimeStream* stream);
-// The same on 16-bit text, n counting units. A character that needs two
-// units when only one is left waits for the next call.
+// The same on 16-bit text, n counting units. When a character needs two
+// units and only one is left, its second unit opens the next call.
 BASICUTILS_EXPORT char16_t* fgetws(char16_t* buffer, int n, RuntimeStream* stream);
 BASICUTILS_EXPORT int fputws(const char16_t* text, RuntimeStream* stream);
 
@@ -86,6 +86,9 @@ BASICUTILS_EXPORT int32_t ftell(RuntimeStream* stream);
 // Writes out, closes the descriptor, frees the stream: 0, or -1 when any of
 // it failed (the stream is gone either way).
 BASICUTILS_EXPORT int fclose(RuntimeStream* stream);
+
+// The descriptor under the stream.
+BASICUTILS_EXPORT int _fileno(RuntimeStream* stream);
 
 // Non-zero once a read met the end of the file / once a call failed.
 BASICUTILS_EXPORT int feof(RuntimeStream* stream);

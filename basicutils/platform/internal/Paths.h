@@ -14,6 +14,8 @@
 // (U+DCC3 U+DCA9 would be the bytes of "é", a second spelling of that file).
 #pragma once
 
+#include <basicutils/Export.h>
+
 #include <string>
 #include <string_view>
 
@@ -21,13 +23,13 @@ namespace basicutils::detail {
 
 // The system's spelling of a library path. On failure false, with errno and
 // the thread's last error set (EINVAL for a null path).
-bool ToSystemPath(const char16_t* path, std::string& out);
+BASICUTILS_EXPORT bool ToSystemPath(const char16_t* path, std::string& out);
 
 // The library's spelling of one name listed by the system.
-std::u16string FromSystemName(std::string_view name);
+BASICUTILS_EXPORT std::u16string FromSystemName(std::string_view name);
 
 // The library's spelling of a whole path given by the system.
-std::u16string FromSystemPath(std::string_view path);
+BASICUTILS_EXPORT std::u16string FromSystemPath(std::string_view path);
 
 // A library path converted once for the system calls of a function:
 //   SystemPath name(path);
