@@ -59,6 +59,12 @@
 #include <basicutils/bitstream/CAppBits.h>
 #include <basicutils/bitstream/CAppBytes.h>
 // files
+#include <basicutils/files/MDirectory.h>
+#include <basicutils/files/MFile.h>
+#include <basicutils/files/MFileSpec.h>
+#include <basicutils/files/MFileUniv.h>
+#include <basicutils/files/MFileWin.h>
+#include <basicutils/files/PathNames.h>
 // tasks
 #include <basicutils/tasks/CIdleProcess.h>
 #include <basicutils/tasks/CThreadAction.h>
