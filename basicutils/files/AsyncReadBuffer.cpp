@@ -27,7 +27,8 @@ bool Delivered(const _OVERLAPPED& overlapped, int64_t offset, int size) {
 // header): the end is told by the request block itself, so an event that
 // was reset after a timed-out wait cannot make this wait miss it.
 void AwaitEnd(_OVERLAPPED& overlapped, HANDLE event) {
-    while (!HasOverlappedIoCompleted(&overlapped)) WaitForSingleObject(event, 100);
+    while (!HasOverlappedIoCompleted(&overlapped))
+        if (WaitForSingleObject(event, 100) == WAIT_FAILED) SleepEx(1, 0);  // no event to wait on
     ResetEvent(event);
 }
 

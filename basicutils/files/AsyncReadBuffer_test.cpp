@@ -109,10 +109,10 @@ TEST_F(AsyncReadBufferTest, ReadsInFlightEndBeforeTheirBuffersGo) {
     const std::string data = Open(kSize * 3);
     for (bool destroy : {false, true}) {
         SCOPED_TRACE(destroy);
-        auto ring = std::make_unique<Ring>();
-        FaultEnv faults;
+        FaultEnv faults;                             // outlives the ring and its reads
         faults.HoldNth(SysCall::kAsyncComplete, 2);  // the read-ahead's
         ScopedEnv use(faults);
+        auto ring = std::make_unique<Ring>();
         ASSERT_EQ(ring->InitReadBuffer(&mFile, 0, kSize, 0), 0);
         {
             filestest::LateRelease release(faults);
