@@ -8,10 +8,10 @@
 #include <basicutils/platform/testing/FaultEnv.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
-#include <sys/vfs.h>
 #include <unistd.h>
 
-#include <map>
+#include <algorithm>
+#include <tuple>
 #include <vector>
 
 namespace basicutils {
@@ -20,69 +20,61 @@ namespace {
 using testing::SysCall;
 using testing::TempFolder;
 
-TEST(FileApi, CreateDispositionsAndTheirLastErrors) {
+TEST(FileApi, CreateAndDeleteWithTheirLastErrors) {
     constexpr DWORD kRW = GENERIC_READ | GENERIC_WRITE;
     struct Case {
-        DWORD disposition, access;
-        const char* name;  // "f" holds "old"; "d" is a folder
+        DWORD disposition, access;  // 0: DeleteFileW
+        const char* name;           // "f" holds "old", "ro" is read-only, "d" is a folder
         uint32_t lastError;
-        bool opens;
-        const char* contents;
+        const char* contents;  // of "f" afterwards
     } cases[] = {
-        {CREATE_NEW, kRW, "f", ERROR_FILE_EXISTS, false, "old"},
-        {CREATE_NEW, kRW, "n", 0, true, ""},
-        {CREATE_ALWAYS, kRW, "f", ERROR_ALREADY_EXISTS, true, ""},
-        {CREATE_ALWAYS, kRW, "n", ERROR_SUCCESS, true, ""},
-        {OPEN_ALWAYS, kRW, "f", ERROR_ALREADY_EXISTS, true, "old"},
-        {OPEN_ALWAYS, GENERIC_WRITE, "n", ERROR_SUCCESS, true, ""},
-        {OPEN_EXISTING, GENERIC_READ, "n", ERROR_FILE_NOT_FOUND, false, nullptr},
-        {OPEN_EXISTING, GENERIC_READ, "missing/n", ERROR_PATH_NOT_FOUND, false, nullptr},
-        {OPEN_EXISTING, GENERIC_READ, "d", ERROR_ACCESS_DENIED, false, nullptr},
-        {TRUNCATE_EXISTING, GENERIC_READ, "f", ERROR_INVALID_PARAMETER, false, "old"},
-        {TRUNCATE_EXISTING, GENERIC_WRITE, "f", 0, true, ""},
-        {9, kRW, "f", ERROR_INVALID_PARAMETER, false, "old"},
+        {CREATE_NEW, kRW, "f", ERROR_FILE_EXISTS, "old"},
+        {CREATE_NEW, kRW, "n", 0, "old"},
+        {CREATE_ALWAYS, kRW, "f", ERROR_ALREADY_EXISTS, ""},
+        {CREATE_ALWAYS, kRW, "n", ERROR_SUCCESS, "old"},
+        {OPEN_ALWAYS, kRW, "f", ERROR_ALREADY_EXISTS, "old"},
+        {OPEN_ALWAYS, GENERIC_WRITE, "n", ERROR_SUCCESS, "old"},
+        {OPEN_EXISTING, GENERIC_READ, "n", ERROR_FILE_NOT_FOUND, "old"},
+        {OPEN_EXISTING, GENERIC_READ, "missing/n", ERROR_PATH_NOT_FOUND, "old"},
+        {OPEN_EXISTING, GENERIC_READ, "d", ERROR_ACCESS_DENIED, "old"},
+        {TRUNCATE_EXISTING, GENERIC_READ, "f", ERROR_INVALID_PARAMETER, "old"},
+        {TRUNCATE_EXISTING, GENERIC_WRITE, "f", 0, ""},
+        {9, kRW, "f", ERROR_INVALID_PARAMETER, "old"},
+        {0, 0, "ro", ERROR_ACCESS_DENIED, "old"},  // read-only, as the legacy system refuses
+        {0, 0, "d", ERROR_ACCESS_DENIED, "old"},
+        {0, 0, "n", ERROR_FILE_NOT_FOUND, "old"},
+        {0, 0, "missing/n", ERROR_PATH_NOT_FOUND, "old"},
+        {0, 0, "f", 0, nullptr},
     };
     for (const Case& c : cases) {
         TempFolder folder;
         folder.Write("f", "old");
+        folder.Write("ro", "");
+        ::chmod(folder.Path("ro").c_str(), 0444);
         ::mkdir(folder.Path("d").c_str(), 0777);
         SetLastError(0);
-        HANDLE file = CreateFileW(folder.Wide(c.name).c_str(), c.access, 0, nullptr, c.disposition,
-                                  0, nullptr);
-        SCOPED_TRACE(std::string(c.name) + " " + std::to_string(c.disposition));
-        EXPECT_EQ(file != INVALID_HANDLE_VALUE, c.opens);
-        EXPECT_EQ(GetLastError(), c.lastError);
-        if (c.contents) {
-            EXPECT_EQ(folder.Read(c.name), c.contents);
-        }
-        if (c.opens) {
-            EXPECT_TRUE(CloseHandle(file));
-        }
+        const std::u16string name = folder.Wide(c.name);
+        HANDLE file = INVALID_HANDLE_VALUE;
+        if (c.disposition)
+            file = CreateFileW(name.c_str(), c.access, 0, nullptr, c.disposition, 0, nullptr);
+        else
+            EXPECT_EQ(DeleteFileW(name.c_str()), c.contents == nullptr);
+        EXPECT_EQ(GetLastError(), c.lastError) << c.name << " " << c.disposition;
+        EXPECT_EQ(folder.Read("f"), c.contents ? c.contents : "");
+        EXPECT_EQ(CloseHandle(file), file != INVALID_HANDLE_VALUE);
     }
 }
 
 TEST(FileApi, NoBufferingFallsBackOnlyWhereTheFileSystemRefuses) {
     TempFolder folder;
-    const DWORD flags = FILE_FLAG_OVERLAPPED | FILE_FLAG_NO_BUFFERING | FILE_FLAG_SEQUENTIAL_SCAN;
-    struct Case {
-        int error;  // of the fcntl that turns direct I/O on
-        bool opens;
-        uint32_t lastError;
-    } cases[] = {{0, true, 0}, {EINVAL, true, 0}, {EIO, false, ERROR_IO_DEVICE}};
-    for (const Case& c : cases) {
+    for (int error : {0, EINVAL, EIO}) {  // of the fcntl that turns direct I/O on
         testing::FaultEnv faults;
-        faults.LimitToThisThread();
-        if (c.error) faults.FailNth(SysCall::kFcntl, 2, c.error);  // 1: F_GETFL, 2: F_SETFL
+        faults.LimitToThisThread().FailNth(SysCall::kFcntl, 2, error);  // 1: F_GETFL
         testing::ScopedEnv use(faults);
-        SetLastError(0);
-        HANDLE file =
-            CreateFileW(folder.Wide("o").c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                        nullptr, CREATE_ALWAYS, flags, nullptr);
-        EXPECT_EQ(file != INVALID_HANDLE_VALUE, c.opens);
-        if (!c.opens) {
-            EXPECT_EQ(GetLastError(), c.lastError);
-        }
-        EXPECT_EQ(faults.Count(SysCall::kFcntl), 2);
+        HANDLE file = CreateFileW(folder.Wide("o").c_str(), GENERIC_WRITE, 0, nullptr,
+                                  CREATE_ALWAYS, 0x68000000, nullptr);
+        EXPECT_EQ(file == INVALID_HANDLE_VALUE, error == EIO);
+        EXPECT_EQ(GetLastError(), error == EIO ? ERROR_IO_DEVICE : GetLastError());
         CloseHandle(file);
     }
 }
@@ -108,147 +100,87 @@ TEST(FileApi, PointerAndSizeBeyond4GiB) {
         {-1, true, FILE_BEGIN, 0xFFFFFFFFu, ERROR_SUCCESS},  // 4 GiB - 1 is a position
         {1, false, FILE_CURRENT, INVALID_SET_FILE_POINTER, ERROR_INVALID_PARAMETER},
         {-5, true, FILE_CURRENT, 0xFFFFFFFAu, 0},
-        {7, false, 3, INVALID_SET_FILE_POINTER, ERROR_INVALID_PARAMETER},
     };
     for (const Case& c : cases) {
         SetLastError(0);
-        LONG caseHigh = 0;
-        EXPECT_EQ(SetFilePointer(file, c.distance, c.wide ? &caseHigh : nullptr, c.method),
-                  c.result);
+        LONG zero = 0;
+        EXPECT_EQ(SetFilePointer(file, c.distance, c.wide ? &zero : nullptr, c.method), c.result);
         EXPECT_EQ(GetLastError(), c.lastError);
     }
-    EXPECT_TRUE(FlushFileBuffers(file));
-    EXPECT_TRUE(CancelIo(file));
-    EXPECT_TRUE(CloseHandle(file));
+    EXPECT_TRUE(FlushFileBuffers(file) && CancelIo(file) && CloseHandle(file));
     EXPECT_FALSE(CancelIo(file));
-    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
-    file = CreateFileW(folder.Wide("big").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0,
-                       nullptr);
+    file = CreateFileW(folder.Wide("big").c_str(), 0, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_FALSE(SetEndOfFile(file));
     EXPECT_EQ(GetLastError(), ERROR_ACCESS_DENIED);
     CloseHandle(file);
 }
 
-TEST(FileApi, DeleteFileRefusals) {
-    TempFolder folder;
-    folder.Write("ro", "");
-    ::chmod(folder.Path("ro").c_str(), 0444);
-    ::mkdir(folder.Path("d").c_str(), 0777);
-    struct Case {
-        std::u16string name;
-        uint32_t lastError;
-    } cases[] = {
-        {folder.Wide("ro"), ERROR_ACCESS_DENIED},
-        {folder.Wide("d"), ERROR_ACCESS_DENIED},
-        {folder.Wide("none"), ERROR_FILE_NOT_FOUND},
-        {folder.Wide("none/x"), ERROR_PATH_NOT_FOUND},
-        {folder.Wide() + u"\xD800", ERROR_NO_UNICODE_TRANSLATION},
-    };
-    for (const Case& c : cases) {
-        EXPECT_FALSE(DeleteFileW(c.name.c_str()));
-        EXPECT_EQ(GetLastError(), c.lastError);
-    }
-}
-
-// Names of a listing, in order, with the attributes of each.
-std::vector<std::pair<std::u16string, DWORD>> List(const std::u16string& pattern) {
-    std::vector<std::pair<std::u16string, DWORD>> entries;
+// A listing: each name with its attributes as one digit ('0' + the bits 0x3F:
+// 1 read-only, 2 hidden, @ folder, 0 plain or link), after "." and ".." in
+// the system's order, sorted here; or the error of FindFirstFileW.
+std::u16string List(const std::u16string& pattern) {
     WIN32_FIND_DATAW data;
     HANDLE find = FindFirstFileW(pattern.c_str(), &data);
-    if (find == INVALID_HANDLE_VALUE) return entries;
-    do entries.emplace_back(data.cFileName, data.dwFileAttributes);
+    if (find == INVALID_HANDLE_VALUE) return u"error " + std::u16string(1, GetLastError());
+    std::vector<std::u16string> names;
+    do names.push_back(data.cFileName + std::u16string(1, u'0' + data.dwFileAttributes % 64));
     while (FindNextFileW(find, &data));
     EXPECT_EQ(GetLastError(), ERROR_NO_MORE_FILES);
     EXPECT_TRUE(FindClose(find));
+    if (names.size() >= 2 && names[1] == u"..@") std::sort(names.begin() + 2, names.end());
+    std::u16string entries;
+    for (const auto& name : names) entries += (entries.empty() ? u"" : u" ") + name;
     return entries;
 }
 
 TEST(FileApi, ListingsBeginWithDotAndDotDot) {
     TempFolder folder;
-    folder.Write("b.txt", "12345");
-    folder.Write("a.dat", "");
-    folder.Write("noext", "");
-    folder.Write(".hidden", "");
+    for (const char* name : {"b.txt", "a.dat", ".h"}) folder.Write(name, "");
     ::chmod(folder.Path("a.dat").c_str(), 0444);
     ::mkdir(folder.Path("sub").c_str(), 0777);
-    ASSERT_EQ(::symlink("sub", folder.Path("link").c_str()), 0);
-    const auto all = List(folder.Wide("*.*"));
-    ASSERT_EQ(all.size(), 8u);
-    EXPECT_EQ(all[0].first, u".");
-    EXPECT_EQ(all[1].first, u"..");
-    std::map<std::u16string, DWORD> attributes(all.begin(), all.end());
-    EXPECT_EQ(attributes[u"."], FILE_ATTRIBUTE_DIRECTORY);
-    EXPECT_EQ(attributes[u"sub"], FILE_ATTRIBUTE_DIRECTORY);
-    EXPECT_EQ(attributes[u"link"], FILE_ATTRIBUTE_REPARSE_POINT);  // never walked into
-    EXPECT_EQ(attributes[u".hidden"], FILE_ATTRIBUTE_HIDDEN);
-    EXPECT_EQ(attributes[u"a.dat"], FILE_ATTRIBUTE_READONLY);
-    EXPECT_EQ(attributes[u"b.txt"], FILE_ATTRIBUTE_NORMAL);
-    struct Case {
-        const char* pattern;
-        size_t count;
-        const char16_t* first;
-    } cases[] = {{"*", 8, u"."},         {"*.txt", 1, u"b.txt"}, {"?.dat", 1, u"a.dat"},
-                 {"noext", 1, u"noext"}, {"*ext", 1, u"noext"},  {"B.TXT", 0, nullptr},
-                 {"sub\\*.*", 2, u"."},  {"*.t?t", 1, u"b.txt"}};
-    for (const Case& c : cases) {
-        const auto entries = List(folder.Wide(c.pattern));
-        EXPECT_EQ(entries.size(), c.count) << c.pattern;
-        if (c.first && !entries.empty()) {
-            EXPECT_EQ(entries[0].first, c.first);
-        }
-    }
-    WIN32_FIND_DATAW data;
-    EXPECT_EQ(FindFirstFileW(folder.Wide("*.none").c_str(), &data), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(FindFirstFileW(folder.Wide("gone\\*.*").c_str(), &data), INVALID_HANDLE_VALUE);
-    EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
-    EXPECT_FALSE(FindClose(INVALID_HANDLE_VALUE));
+    ASSERT_EQ(::symlink("sub", folder.Path("link").c_str()), 0);  // never listed as a folder
+    const std::pair<const char*, const char16_t*> cases[] = {
+        {"*.*", u".@ ..@ .h2 a.dat1 b.txt0 link0 sub@"},
+        {"*", u".@ ..@ .h2 a.dat1 b.txt0 link0 sub@"},
+        {"*.txt", u"b.txt0"},
+        {"?.d?t", u"a.dat1"},
+        {"B.TXT", u"error \x02"},  // case counts
+        {"*.none", u"error \x02"},
+        {"gone\\*.*", u"error \x03"},
+        {"sub\\*.*", u".@ ..@"},
+    };
+    for (const auto& [pattern, expected] : cases) EXPECT_EQ(List(folder.Wide(pattern)), expected);
 }
 
 TEST(FileApi, ListingFailuresThroughTheSeam) {
     TempFolder folder;
-    folder.Write("a", "");
-    folder.Write("b", "");
-    {
-        testing::FaultEnv faults;
-        faults.LimitToThisThread().FailNth(SysCall::kReaddir, 1, EINTR);
-        testing::ScopedEnv use(faults);
-        EXPECT_EQ(List(folder.Wide("*")).size(), 4u);  // the interrupted read is repeated
-    }
     testing::FaultEnv faults;
-    faults.LimitToThisThread().FailNth(SysCall::kReaddir, 2, EIO);
+    faults.LimitToThisThread()
+        .FailNth(SysCall::kReaddir, 1, EINTR)
+        .FailNth(SysCall::kReaddir, 4, EIO);
     testing::ScopedEnv use(faults);
     WIN32_FIND_DATAW data;
-    HANDLE find = FindFirstFileW(folder.Wide("*").c_str(), &data);  // "."
-    ASSERT_NE(find, INVALID_HANDLE_VALUE);
-    BOOL more;
-    while ((more = FindNextFileW(find, &data))) {
+    HANDLE find = FindFirstFileW(folder.Wide("*").c_str(), &data);  // "." needs no read
+    while (FindNextFileW(find, &data)) {
     }
     EXPECT_EQ(GetLastError(), ERROR_IO_DEVICE);
+    EXPECT_EQ(faults.Count(SysCall::kReaddir), 4);  // the interrupted read was repeated
     FindClose(find);
 }
 
 TEST(FileApi, DriveTypeRules) {
-    struct Case {
-        const char* fileSystem;
-        bool readOnly;
-        UINT type;
-    } cases[] = {{"ext4", false, DRIVE_FIXED},    {"ext4", true, DRIVE_CDROM},
-                 {"iso9660", false, DRIVE_CDROM}, {"udf", false, DRIVE_CDROM},
-                 {"tmpfs", false, DRIVE_RAMDISK}, {"ramfs", false, DRIVE_RAMDISK},
-                 {"tmpfs", true, DRIVE_CDROM},    {"nfs4", false, DRIVE_REMOTE},
-                 {"cifs", false, DRIVE_REMOTE},   {"fuse.sshfs", false, DRIVE_REMOTE},
-                 {"fuse", false, DRIVE_FIXED},    {"", false, DRIVE_FIXED}};
-    for (const Case& c : cases) EXPECT_EQ(detail::DriveTypeFor(c.fileSystem, c.readOnly), c.type);
-
+    const std::tuple<const char*, bool, UINT> cases[] = {
+        {"ext4", false, DRIVE_FIXED},        {"ext4", true, DRIVE_CDROM},
+        {"iso9660", false, DRIVE_CDROM},     {"udf", false, DRIVE_CDROM},
+        {"tmpfs", false, DRIVE_RAMDISK},     {"ramfs", false, DRIVE_RAMDISK},
+        {"nfs4", false, DRIVE_REMOTE},       {"cifs", false, DRIVE_REMOTE},
+        {"fuse.sshfs", false, DRIVE_REMOTE}, {"fuse", false, DRIVE_FIXED}};
+    for (const auto& [fileSystem, readOnly, type] : cases)
+        EXPECT_EQ(detail::DriveTypeFor(fileSystem, readOnly), type) << fileSystem;
     TempFolder folder;
     folder.Write("f", "");
     EXPECT_EQ(GetDriveTypeW(folder.Wide("none").c_str()), DRIVE_NO_ROOT_DIR);
     EXPECT_EQ(GetDriveTypeW(folder.Wide("f").c_str()), DRIVE_NO_ROOT_DIR);
-    struct statfs shm;
-    if (::statfs("/dev/shm", &shm) == 0 && shm.f_type == 0x01021994) {  // tmpfs
-        EXPECT_EQ(GetDriveTypeW(u"/dev/shm"), DRIVE_RAMDISK);
-    }
     EXPECT_EQ(GetDriveTypeW(nullptr), GetDriveTypeW(u"."));
 }
 
@@ -265,27 +197,23 @@ class ReadOnlyMounts : public detail::EnvWrapper {
 
 TEST(FileApi, FreeSpaceAndReadOnlyMounts) {
     TempFolder folder;
+    const std::u16string root = folder.Wide();
     ULARGE_INTEGER available, total, free;
-    ASSERT_TRUE(GetDiskFreeSpaceExW(folder.Wide().c_str(), &available, &total, &free));
-    EXPECT_GT(available.QuadPart, 0u);
-    EXPECT_LE(available.QuadPart, free.QuadPart);
-    EXPECT_LE(free.QuadPart, total.QuadPart);
-    DWORD sectors, bytes, freeClusters, clusters;
-    ASSERT_TRUE(
-        GetDiskFreeSpaceW(folder.Wide().c_str(), &sectors, &bytes, &freeClusters, &clusters));
+    ASSERT_TRUE(GetDiskFreeSpaceExW(root.c_str(), &available, &total, &free));
+    EXPECT_TRUE(available.QuadPart > 0 && available.QuadPart <= free.QuadPart);
+    DWORD sectors, bytes, freeClusters;
+    ASSERT_TRUE(GetDiskFreeSpaceW(root.c_str(), &sectors, &bytes, &freeClusters, nullptr));
     struct statvfs volume;
     ::statvfs(folder.Path().c_str(), &volume);
     EXPECT_EQ(uint64_t{sectors} * bytes, volume.f_frsize);
     EXPECT_FALSE(GetDiskFreeSpaceExW(folder.Wide("none/x").c_str(), &available, nullptr, nullptr));
     EXPECT_EQ(GetLastError(), ERROR_PATH_NOT_FOUND);
-
     ReadOnlyMounts readOnly;
     testing::ScopedEnv use(readOnly);
-    EXPECT_EQ(GetDriveTypeW(folder.Wide().c_str()), DRIVE_CDROM);
-    ASSERT_TRUE(GetDiskFreeSpaceExW(folder.Wide().c_str(), &available, nullptr, nullptr));
-    EXPECT_EQ(available.QuadPart, 0u);
-    ASSERT_TRUE(GetDiskFreeSpaceW(folder.Wide().c_str(), nullptr, nullptr, &freeClusters, nullptr));
-    EXPECT_EQ(freeClusters, 0u);
+    EXPECT_EQ(GetDriveTypeW(root.c_str()), DRIVE_CDROM);
+    ASSERT_TRUE(GetDiskFreeSpaceExW(root.c_str(), &available, nullptr, nullptr));
+    ASSERT_TRUE(GetDiskFreeSpaceW(root.c_str(), nullptr, nullptr, &freeClusters, nullptr));
+    EXPECT_EQ(available.QuadPart + freeClusters, 0u);  // nothing can be written there
 }
 
 TEST(FileApi, CurrentDirectoryResultContract) {
@@ -294,27 +222,19 @@ TEST(FileApi, CurrentDirectoryResultContract) {
     ASSERT_NE(::getcwd(before, sizeof before), nullptr);
     ASSERT_EQ(::chdir(folder.Path().c_str()), 0);
     std::u16string expected = folder.Wide();
-    expected.pop_back();  // no trailing separator
-    for (char16_t& c : expected) c = c == u'/' ? u'\\' : c;
+    expected.pop_back();  // no trailing separator, and `\` between names
+    std::replace(expected.begin(), expected.end(), u'/', u'\\');
     const auto length = static_cast<DWORD>(expected.size());
-    struct Case {
-        DWORD size;
-        DWORD result;
-        bool filled;
-    } cases[] = {{0, length + 1, false}, {length, length + 1, false}, {length + 1, length, true}};
-    for (const Case& c : cases) {
+    for (DWORD size : {0u, length, length + 1}) {
         std::u16string buffer(length + 1, u'#');
-        EXPECT_EQ(GetCurrentDirectoryW(c.size, buffer.data()), c.result);
-        EXPECT_EQ(buffer.c_str() == expected, c.filled);
+        EXPECT_EQ(GetCurrentDirectoryW(size, buffer.data()), size > length ? length : length + 1);
+        EXPECT_EQ(buffer.c_str() == expected, size > length);  // untouched when too small
     }
-    {
-        testing::FaultEnv faults;
-        faults.LimitToThisThread().FailNth(SysCall::kGetcwd, 1, ENOENT);
-        testing::ScopedEnv use(faults);
-        char16_t buffer[8];
-        EXPECT_EQ(GetCurrentDirectoryW(8, buffer), 0u);
-        EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
-    }
+    testing::FaultEnv faults;
+    faults.LimitToThisThread().FailNth(SysCall::kGetcwd, 1, ENOENT);
+    testing::ScopedEnv use(faults);
+    EXPECT_EQ(GetCurrentDirectoryW(8, expected.data()), 0u);
+    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
     ASSERT_EQ(::chdir(before), 0);
 }
 

@@ -21,18 +21,15 @@ class TempFolder {
     }
     ~TempFolder() {
         std::error_code ignored;
-        std::filesystem::permissions(mPath, std::filesystem::perms::owner_all, ignored);
         std::filesystem::remove_all(mPath, ignored);
     }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
 
     // The system's name of an entry, and the library's (ASCII names only).
     std::string Path(const std::string& name = "") const { return mPath + "/" + name; }
-    std::u16string Wide(const std::string& name = "") const { return Widen(Path(name)); }
-
-    static std::u16string Widen(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
-
+    std::u16string Wide(const std::string& name = "") const {
+        const std::string path = Path(name);
+        return {path.begin(), path.end()};
+    }
     void Write(const std::string& name, const std::string& bytes) const {
         std::ofstream(Path(name), std::ios::binary) << bytes;
     }
