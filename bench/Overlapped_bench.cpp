@@ -9,11 +9,12 @@
 //   CatFiles                    cat a b ... > out
 //   CatFilesAndSync             the same, then sync out (the file on disk, as
 //                               FClose makes sure)
-//   ReadAhead/engine            a 1 GiB file through AsyncReadBuffer, 1 MiB
-//                               copied out by each ReadBuffer
+//   ReadAhead/engine            a warm 1 GiB file through AsyncReadBuffer,
+//                               1 MiB copied out by each ReadBuffer
 //   CatToNull                   cat FILE > /dev/null
 //   SectorReads/engine/depth    FReadOverlapped of 1 MiB blocks, direct, with
-//                               `depth` reads in flight
+//                               `depth` reads in flight, the file dropped from
+//                               the page cache first (as for dd)
 //   DdDirectRead                dd iflag=direct bs=1M
 //   SectorWrites/engine/depth   FWriteOverlapped of 1 MiB blocks, direct
 //   DdDirectWrite               dd oflag=direct bs=1M from /dev/zero
@@ -88,11 +89,14 @@ void UseEngine(benchmark::State& state) {
     state.SetLabel(detail::TheAsyncBackend().Name());
 }
 
-// Times `work` once per iteration with the wall clock.
-template <typename Work>
-void Timed(benchmark::State& state, int64_t bytes, Work work) {
+// Times `work` once per iteration with the wall clock, after an untimed
+// `prepare`.
+template <typename Work, typename Prepare = void (*)()>
+void Timed(
+    benchmark::State& state, int64_t bytes, Work work, Prepare prepare = [] {}) {
     TheFiles();
     for (auto _ : state) {
+        prepare();
         const auto begin = Clock::now();
         work();
         state.SetIterationTime(std::chrono::duration<double>(Clock::now() - begin).count());
@@ -102,6 +106,14 @@ void Timed(benchmark::State& state, int64_t bytes, Work work) {
 
 void Shell(const std::string& command) {
     if (std::system(command.c_str()) != 0) std::abort();
+}
+
+void Warm(const std::string& name) {
+    Shell("cat " + At(name) + " > /dev/null");
+}
+// Drops the file from the page cache, so that direct reads meet the device.
+void Cool(const std::string& name) {
+    Shell("dd if=" + At(name) + " iflag=nocache count=0 status=none");
 }
 
 void ConcatFiles(benchmark::State& state) {
@@ -132,22 +144,26 @@ void CatFilesAndSync(benchmark::State& state) {
 void ReadAhead(benchmark::State& state) {
     UseEngine(state);
     std::vector<char> piece(kBlock);
-    Timed(state, kBigSize, [&] {
-        MFileUniv file;
-        file.FOpen(Wide("big").c_str(), kOpenOverlappedRead);
-        AsyncReadBuffer ring;
-        ring.InitReadBuffer(&file, 0, 4 * kBlock, 0);
-        for (int64_t at = 0; at < kBigSize;) {
-            const int n = ring.ReadBuffer(at, piece.data(), kBlock);
-            if (n <= 0) std::abort();
-            at += n;
-        }
-        benchmark::DoNotOptimize(piece.data());
-    });
+    Timed(
+        state, kBigSize,
+        [&] {
+            MFileUniv file;
+            file.FOpen(Wide("big").c_str(), kOpenOverlappedRead);
+            AsyncReadBuffer ring;
+            ring.InitReadBuffer(&file, 0, 4 * kBlock, 0);
+            for (int64_t at = 0; at < kBigSize;) {
+                const int n = ring.ReadBuffer(at, piece.data(), kBlock);
+                if (n <= 0) std::abort();
+                at += n;
+            }
+            benchmark::DoNotOptimize(piece.data());
+        },
+        [] { Warm("big"); });
 }
 
 void CatToNull(benchmark::State& state) {
-    Timed(state, kBigSize, [] { Shell("cat " + At("big") + " > /dev/null"); });
+    Timed(
+        state, kBigSize, [] { Warm("big"); }, [] { Warm("big"); });
 }
 
 // `depth` transfers of kBlock in flight over the 1 GiB file, each slot
@@ -163,27 +179,31 @@ void Sectors(benchmark::State& state, bool write) {
             static_cast<char*>(VirtualAlloc(nullptr, kBlock + 4096, MEM_COMMIT, PAGE_READWRITE)));
         events.push_back(CreateEventW(nullptr, 1, 0, nullptr));
     }
-    Timed(state, kBigSize, [&] {
-        MFileUniv file;
-        file.FOpen(Wide(write ? "written" : "big").c_str(),
-                   write ? kOpenOverlappedCreate : kOpenOverlappedRead);
-        int64_t next = 0;
-        auto issue = [&](int slot) {
-            if (next >= kBigSize) return;
-            const uint32_t error = write ? file.FWriteOverlapped(next, buffers[slot], kBlock,
-                                                                 &blocks[slot], events[slot])
-                                         : file.FReadOverlapped(next, buffers[slot] + 2048, kBlock,
-                                                                &blocks[slot], events[slot]);
-            if (error != 0) std::abort();
-            next += kBlock;
-        };
-        for (int i = 0; i < depth; ++i) issue(i);
-        for (int64_t done = 0, slot = 0; done < kBigSize;
-             done += kBlock, slot = (slot + 1) % depth) {
-            if (file.FWaitOverlappedCompletion(events[slot], 120) != 0) std::abort();
-            issue(static_cast<int>(slot));
-        }
-    });
+    Timed(
+        state, kBigSize,
+        [&] {
+            MFileUniv file;
+            file.FOpen(Wide(write ? "written" : "big").c_str(),
+                       write ? kOpenOverlappedCreate : kOpenOverlappedRead);
+            int64_t next = 0;
+            auto issue = [&](int slot) {
+                if (next >= kBigSize) return;
+                const uint32_t error =
+                    write ? file.FWriteOverlapped(next, buffers[slot], kBlock, &blocks[slot],
+                                                  events[slot])
+                          : file.FReadOverlapped(next, buffers[slot] + 2048, kBlock, &blocks[slot],
+                                                 events[slot]);
+                if (error != 0) std::abort();
+                next += kBlock;
+            };
+            for (int i = 0; i < depth; ++i) issue(i);
+            for (int64_t done = 0, slot = 0; done < kBigSize;
+                 done += kBlock, slot = (slot + 1) % depth) {
+                if (file.FWaitOverlappedCompletion(events[slot], 120) != 0) std::abort();
+                issue(static_cast<int>(slot));
+            }
+        },
+        [] { Cool("big"); });
     for (int i = 0; i < depth; ++i) {
         VirtualFree(buffers[i], 0, MEM_RELEASE);
         CloseHandle(events[i]);
@@ -198,8 +218,10 @@ void SectorWrites(benchmark::State& state) {
 }
 
 void DdDirectRead(benchmark::State& state) {
-    Timed(state, kBigSize,
-          [] { Shell("dd if=" + At("big") + " of=/dev/null bs=1M iflag=direct status=none"); });
+    Timed(
+        state, kBigSize,
+        [] { Shell("dd if=" + At("big") + " of=/dev/null bs=1M iflag=direct status=none"); },
+        [] { Cool("big"); });
 }
 
 void DdDirectWrite(benchmark::State& state) {

@@ -47,7 +47,10 @@
 // let go direct, a transfer whose buffer, offset and count are all
 // multiples of 512 bytes goes direct; any other, and one the device refuses
 // (EINVAL), is done buffered through a second descriptor of the same file,
-// opened at the first such need. The caller sees the same bytes either way.
+// opened at the first such need. So is a read whose every page the page
+// cache already holds (asked with cachestat, which reads nothing): data that
+// is cached comes at the cache's speed, data that is not is read direct and
+// stays out of the cache. The caller sees the same bytes either way.
 //
 // GetOverlappedResult answers the outcome of an overlapped transfer: TRUE
 // with the count, or FALSE with its error; while it runs FALSE with

@@ -11,6 +11,8 @@
 #include <basicutils/platform/internal/AsyncIo.h>
 #include <basicutils/platform/testing/FaultEnv.h>
 #include <basicutils/platform/testing/TestBackend.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <functional>
@@ -73,30 +75,39 @@ TEST(FileIo, OverlappedReadsAnywhereAndReportTheEnd) {
         bool aligned;  // buffer, offset and count on 512 bytes: direct
         DWORD error, bytes;
     } cases[] = {
-        {0, 4096, true, ERROR_SUCCESS, 4096},   {8192, 2048, true, ERROR_SUCCESS, 1808},
-        {9216, 512, true, ERROR_SUCCESS, 512},  {10240, 512, true, ERROR_HANDLE_EOF, 0},
-        {5, 100, false, ERROR_SUCCESS, 100},    {9999, 7, false, ERROR_SUCCESS, 1},
-        {10000, 3, false, ERROR_HANDLE_EOF, 0}, {0, 0, true, ERROR_SUCCESS, 0},
+        {0, 4096, true, ERROR_SUCCESS, 4096},    {8192, 2048, true, ERROR_SUCCESS, 1808},
+        {0, 8192, true, ERROR_SUCCESS, 8192},    {9216, 512, true, ERROR_SUCCESS, 512},
+        {10240, 512, true, ERROR_HANDLE_EOF, 0}, {5, 100, false, ERROR_SUCCESS, 100},
+        {9999, 7, false, ERROR_SUCCESS, 1},      {10000, 3, false, ERROR_HANDLE_EOF, 0},
+        {0, 0, true, ERROR_SUCCESS, 0},
     };
     HANDLE file = CreateFileW(folder.Wide("f").c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                               kOverlappedDirect, nullptr);
     ASSERT_NE(file, INVALID_HANDLE_VALUE);
     Block block;
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.offset);
-        char* at = block.base + (c.aligned ? 4096 : 4099);
-        Pending p(c.offset);
-        DWORD ignored = 7;
-        EXPECT_FALSE(ReadFile(file, at, c.count, &ignored, &p.overlapped));
-        EXPECT_EQ(GetLastError(), ERROR_IO_PENDING);
-        EXPECT_EQ(p.End(), c.error);
-        EXPECT_EQ(p.overlapped.InternalHigh, c.bytes);
-        EXPECT_EQ(std::string(at, c.bytes),
-                  data.substr(std::min<size_t>(c.offset, 10000), c.bytes));
-        DWORD bytes = 0;
-        EXPECT_EQ(GetOverlappedResult(file, &p.overlapped, &bytes, 0), c.error == 0);
-        EXPECT_EQ(bytes, c.bytes);
-    }
+    // The page cache holds the file, none of it, or its first page only: a
+    // direct read takes what is cached and reads the rest from the device.
+    const int plain = ::open(folder.Path("f").c_str(), O_RDONLY);
+    ::fdatasync(plain);
+    for (int warm : {2, 0, 1})
+        for (const Case& c : cases) {
+            SCOPED_TRACE(std::to_string(warm) + " " + std::to_string(c.offset));
+            if (warm < 2) ::posix_fadvise(plain, 0, 0, POSIX_FADV_DONTNEED);
+            if (warm == 1) ::pread(plain, block.base, 4096, 0);
+            char* at = block.base + (c.aligned ? 4096 : 4099);
+            Pending p(c.offset);
+            DWORD ignored = 7;
+            EXPECT_FALSE(ReadFile(file, at, c.count, &ignored, &p.overlapped));
+            EXPECT_EQ(GetLastError(), ERROR_IO_PENDING);
+            EXPECT_EQ(p.End(), c.error);
+            EXPECT_EQ(p.overlapped.InternalHigh, c.bytes);
+            EXPECT_EQ(std::string(at, c.bytes),
+                      data.substr(std::min<size_t>(c.offset, 10000), c.bytes));
+            DWORD bytes = 0;
+            EXPECT_EQ(GetOverlappedResult(file, &p.overlapped, &bytes, 0), c.error == 0);
+            EXPECT_EQ(bytes, c.bytes);
+        }
+    ::close(plain);
     CloseHandle(file);
 }
 

@@ -71,6 +71,7 @@ enum class SysCall : int {
     kLstat,
     kFcntl,
     kFadvise,
+    kCachedPages,
     kCount  // the number of kinds; keep last
 };
 
@@ -131,6 +132,9 @@ class BASICUTILS_EXPORT Env {
     virtual int Fcntl(int fd, int command, int argument) = 0;
     // posix_fadvise: returns 0 or the error number (errno is not used).
     virtual int Fadvise(int fd, off_t offset, off_t length, int advice) = 0;
+    // cachestat: how many pages of the range the page cache holds, asked
+    // without reading anything. 0 or -1 with errno (ENOSYS before Linux 6.5).
+    virtual int CachedPages(int fd, off_t offset, off_t length, uint64_t* pages) = 0;
 };
 
 // The real calls. Stateless; the one instance lives for the whole process.
@@ -187,6 +191,7 @@ class BASICUTILS_EXPORT EnvWrapper : public Env {
     int Lstat(const char* path, struct stat* status) override;
     int Fcntl(int fd, int command, int argument) override;
     int Fadvise(int fd, off_t offset, off_t length, int advice) override;
+    int CachedPages(int fd, off_t offset, off_t length, uint64_t* pages) override;
 
   private:
     Env& mTarget;

@@ -7,6 +7,7 @@
 #include <basicutils/platform/posix/FileObject.h>
 #include <basicutils/platform/posix/ThreadState.h>
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <memory>
 #include <string>
@@ -49,15 +50,26 @@ int64_t OffsetOf(const _OVERLAPPED& overlapped) {
                                 overlapped.Offset);
 }
 
+// Whether the page cache holds every page of a range; asking reads nothing.
+bool Cached(int fd, int64_t offset, DWORD count) {
+    static const int64_t page = ::sysconf(_SC_PAGESIZE);
+    const int64_t first = offset / page, end = (offset + count + page - 1) / page;
+    uint64_t cached = 0;
+    return count > 0 &&
+           CurrentEnv().CachedPages(fd, first * page, (end - first) * page, &cached) == 0 &&
+           cached == static_cast<uint64_t>(end - first);
+}
+
 // The descriptor a transfer goes through: the direct one when it can take
-// the transfer as it is, else the buffered one (or, when none can be had,
-// the direct one, which then refuses it).
-int DescriptorFor(FileObject& file, const void* buffer, DWORD count, int64_t offset) {
+// the transfer as it is and, for a read, the page cache does not already
+// hold the range; else the buffered one (or, when none can be had, the direct
+// one, which then refuses what it cannot take).
+int DescriptorFor(FileObject& file, bool write, const void* buffer, DWORD count, int64_t offset) {
     if (!file.Direct()) return file.Descriptor();
     const bool aligned = reinterpret_cast<uintptr_t>(buffer) % kDirectAlignment == 0 &&
                          count % kDirectAlignment == 0 &&
                          static_cast<uint64_t>(offset) % kDirectAlignment == 0;
-    if (aligned) return file.Descriptor();
+    if (aligned && (write || !Cached(file.Descriptor(), offset, count))) return file.Descriptor();
     const int buffered = file.BufferedDescriptor();
     return buffered >= 0 ? buffered : file.Descriptor();
 }
@@ -121,6 +133,7 @@ void Ended(AsyncTransfer* transfer, int64_t result) {
         RetryBuffered(*request->file, transfer->fd, static_cast<int>(-result))) {
         request->retried = true;
         transfer->fd = request->file->BufferedDescriptor();
+        transfer->direct = false;
         if (TheAsyncBackend().Submit(transfer)) return;
         result = -errno;
     }
@@ -159,13 +172,9 @@ BOOL StartOverlapped(FileObject& file, bool write, void* buffer, DWORD count,
         request->event = KernelObject::Acquire(overlapped->hEvent);
         ResetEvent(overlapped->hEvent);
     }
-    request->transfer = AsyncTransfer{DescriptorFor(file, buffer, count, offset),
-                                      write,
-                                      buffer,
-                                      count,
-                                      offset,
-                                      &Ended,
-                                      request.get()};
+    const int fd = DescriptorFor(file, write, buffer, count, offset);
+    request->transfer = AsyncTransfer{fd, write, buffer, count, offset, &Ended, request.get()};
+    request->transfer.direct = file.Direct() && fd == file.Descriptor();
     overlapped->InternalHigh = 0;
     std::atomic_ref<ULONG_PTR>(overlapped->Internal).store(STATUS_PENDING);
     if (!TheAsyncBackend().Submit(&request->transfer)) {
@@ -193,7 +202,7 @@ BOOL Synchronous(FileObject& file, bool write, void* buffer, DWORD count, DWORD*
         if (offset < 0) return Fail(ErrnoToWin32Error(errno));
     }
     if (overlapped && overlapped->hEvent) ResetEvent(overlapped->hEvent);
-    int fd = DescriptorFor(file, buffer, count, offset);
+    int fd = DescriptorFor(file, write, buffer, count, offset);
     DWORD moved = 0;
     DWORD error = ERROR_SUCCESS;
     while (moved < count) {

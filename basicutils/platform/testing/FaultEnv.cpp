@@ -294,4 +294,9 @@ int FaultEnv::Munmap(void* address, size_t length) {
     return Target().Munmap(address, length);
 }
 
+int FaultEnv::CachedPages(int fd, off_t offset, off_t length, uint64_t* pages) {
+    if (const int fault = Check(SysCall::kCachedPages); fault > 0) return FailWith(-1, fault);
+    return Target().CachedPages(fd, offset, length, pages);
+}
+
 }  // namespace basicutils::testing

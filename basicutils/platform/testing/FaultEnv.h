@@ -112,6 +112,7 @@ class FaultEnv : public detail::EnvWrapper {
     int Lstat(const char* path, struct stat* status) override;
     int Fcntl(int fd, int command, int argument) override;
     int Fadvise(int fd, off_t offset, off_t length, int advice) override;
+    int CachedPages(int fd, off_t offset, off_t length, uint64_t* pages) override;
 
   private:
     enum class Action { kFail, kShort, kKill, kHold };
