@@ -19,6 +19,7 @@
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/FileApi.h>
 #include <basicutils/platform/FileDialog.h>
+#include <basicutils/platform/FileIo.h>
 #include <basicutils/platform/MessageQueue.h>
 #include <basicutils/platform/Modules.h>
 #include <basicutils/platform/RuntimeFiles.h>
@@ -63,6 +64,7 @@
 #include <basicutils/bitstream/CAppBits.h>
 #include <basicutils/bitstream/CAppBytes.h>
 // files
+#include <basicutils/files/AsyncReadBuffer.h>
 #include <basicutils/files/MDirectory.h>
 #include <basicutils/files/MFile.h>
 #include <basicutils/files/MFileSpec.h>

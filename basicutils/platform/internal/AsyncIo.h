@@ -42,6 +42,11 @@ struct AsyncTransfer {
     // Called once when the transfer ends: bytes moved, or -errno.
     void (*done)(AsyncTransfer* transfer, int64_t result) = nullptr;
     void* context = nullptr;  // the caller's, untouched
+    // The descriptor does direct I/O. io_uring starts such a transfer from
+    // the submitting thread without blocking it; any other goes to the
+    // kernel's workers, so that a copy through the page cache runs beside
+    // the caller instead of inside its submission.
+    bool direct = false;
 };
 
 class BASICUTILS_EXPORT AsyncBackend {

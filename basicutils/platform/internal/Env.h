@@ -73,6 +73,7 @@ enum class SysCall : int {
     kFadvise,
     kFlock,
     kReadlink,
+    kCachedPages,
     kCount  // the number of kinds; keep last
 };
 
@@ -138,6 +139,9 @@ class BASICUTILS_EXPORT Env {
     virtual int Flock(int fd, int operation) = 0;
     // readlink: the target of a symbolic link, not zero-terminated.
     virtual ssize_t Readlink(const char* path, char* buffer, size_t size) = 0;
+    // cachestat: how many pages of the range the page cache holds, asked
+    // without reading anything. 0 or -1 with errno (ENOSYS before Linux 6.5).
+    virtual int CachedPages(int fd, off_t offset, off_t length, uint64_t* pages) = 0;
 };
 
 // The real calls. Stateless; the one instance lives for the whole process.
@@ -196,6 +200,7 @@ class BASICUTILS_EXPORT EnvWrapper : public Env {
     int Fadvise(int fd, off_t offset, off_t length, int advice) override;
     int Flock(int fd, int operation) override;
     ssize_t Readlink(const char* path, char* buffer, size_t size) override;
+    int CachedPages(int fd, off_t offset, off_t length, uint64_t* pages) override;
 
   private:
     Env& mTarget;

@@ -104,8 +104,8 @@ class EngineBase : public AsyncBackend {
         }
     }
 
-    // Never destroyed: engine threads may still count transfers out while
-    // the process exits.
+    // Made once and never destroyed, like the engines: an engine thread may
+    // still be counting a transfer out while the process exits.
     struct Counts {
         std::mutex lock;
         std::condition_variable idle;
@@ -273,6 +273,7 @@ class UringEngine final : public EngineBase {
         } else {
             io_uring_prep_read(sqe, t->fd, at, left, where);
         }
+        if (!t->direct) sqe->flags |= IOSQE_ASYNC;
         io_uring_sqe_set_data(sqe, job);
         const int submitted = io_uring_submit(&mRing);
         if (submitted < 0) {

@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstring>
 
 namespace basicutils::testing {
@@ -40,6 +41,24 @@ FaultEnv& FaultEnv::KillAt(SysCall call, int nth) {
     return Add({call, nth, false, Action::kKill, 0});
 }
 
+FaultEnv& FaultEnv::HoldNth(SysCall call, int nth) {
+    return Add({call, nth, false, Action::kHold, 0});
+}
+
+bool FaultEnv::WaitUntilHeld(int seconds) {
+    std::unique_lock<std::mutex> l(mLock);
+    return mHoldChanged.wait_for(l, std::chrono::seconds(seconds), [&] { return mHeld > 0; });
+}
+
+void FaultEnv::Release() {
+    std::unique_lock<std::mutex> l(mLock);
+    mReleased = true;
+    mHoldChanged.notify_all();
+    // The held calls have left the hold when this returns, so the FaultEnv
+    // can go right after.
+    mHoldChanged.wait_for(l, std::chrono::seconds(10), [&] { return mHeld == 0; });
+}
+
 FaultEnv& FaultEnv::LimitToThisThread() {
     std::lock_guard<std::mutex> g(mLock);
     mOneThread = true;
@@ -66,7 +85,7 @@ void FaultEnv::Reset() {
 
 int FaultEnv::Check(SysCall call) {
     const int saved = errno;  // counting must not disturb a caller's errno
-    std::lock_guard<std::mutex> g(mLock);
+    std::unique_lock<std::mutex> l(mLock);
     if (mOneThread && std::this_thread::get_id() != mThread) return 0;
     const int own = ++mCounts[static_cast<size_t>(call)];
     const int any = ++mCounts[static_cast<size_t>(SysCall::kAny)];
@@ -84,6 +103,14 @@ int FaultEnv::Check(SysCall call) {
                 return kShortTransfer;
             case Action::kFail:
                 return rule.error;
+            case Action::kHold:
+                ++mHeld;
+                mHoldChanged.notify_all();
+                // No deadline of its own: the test that set the hold releases it.
+                mHoldChanged.wait(l, [&] { return mReleased; });
+                --mHeld;
+                mHoldChanged.notify_all();
+                break;
         }
     }
     errno = saved;
@@ -273,6 +300,11 @@ void* FaultEnv::Mmap(size_t length, int protection) {
 int FaultEnv::Munmap(void* address, size_t length) {
     if (const int fault = Check(SysCall::kMunmap); fault > 0) return FailWith(-1, fault);
     return Target().Munmap(address, length);
+}
+
+int FaultEnv::CachedPages(int fd, off_t offset, off_t length, uint64_t* pages) {
+    if (const int fault = Check(SysCall::kCachedPages); fault > 0) return FailWith(-1, fault);
+    return Target().CachedPages(fd, offset, length, pages);
 }
 
 }  // namespace basicutils::testing
