@@ -12,10 +12,15 @@
 
 // platform: the thin layer over the operating system.
 // (platform headers are listed here only where clients use them directly)
+#include <basicutils/platform/CFile.h>
+#include <basicutils/platform/CString.h>
 #include <basicutils/platform/CodePage.h>
 #include <basicutils/platform/Console.h>
 #include <basicutils/platform/Errors.h>
+#include <basicutils/platform/FileApi.h>
 #include <basicutils/platform/MessageQueue.h>
+#include <basicutils/platform/RuntimeFiles.h>
+#include <basicutils/platform/RuntimeStream.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
 #include <basicutils/platform/VirtualMemory.h>
@@ -54,6 +59,12 @@
 #include <basicutils/bitstream/CAppBits.h>
 #include <basicutils/bitstream/CAppBytes.h>
 // files
+#include <basicutils/files/MDirectory.h>
+#include <basicutils/files/MFile.h>
+#include <basicutils/files/MFileSpec.h>
+#include <basicutils/files/MFileUniv.h>
+#include <basicutils/files/MFileWin.h>
+#include <basicutils/files/PathNames.h>
 // tasks
 #include <basicutils/tasks/CIdleProcess.h>
 #include <basicutils/tasks/CThreadAction.h>

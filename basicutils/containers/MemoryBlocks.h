@@ -17,7 +17,7 @@
 
 #include <basicutils/Export.h>
 #include <basicutils/containers/Handle.h>
-#include <basicutils/text/MString.h>
+#include <basicutils/platform/CString.h>
 
 #include <cstdint>
 
@@ -94,7 +94,7 @@ class BASICUTILS_EXPORT StMemoryState {
     ~StMemoryState();
 
   protected:
-    MString mText;
+    CString mText;
     int32_t mState;
 };
 

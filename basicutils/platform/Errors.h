@@ -54,6 +54,7 @@ inline constexpr uint32_t ERROR_CALL_NOT_IMPLEMENTED = 120;
 inline constexpr uint32_t ERROR_SEM_TIMEOUT = 121;
 inline constexpr uint32_t ERROR_INSUFFICIENT_BUFFER = 122;
 inline constexpr uint32_t ERROR_INVALID_NAME = 123;
+inline constexpr uint32_t ERROR_NEGATIVE_SEEK = 131;
 inline constexpr uint32_t ERROR_MOD_NOT_FOUND = 126;
 inline constexpr uint32_t ERROR_PROC_NOT_FOUND = 127;
 inline constexpr uint32_t ERROR_DIR_NOT_EMPTY = 145;

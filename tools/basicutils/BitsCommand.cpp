@@ -29,9 +29,15 @@ class InputFile {
   public:
     // Opens path; on failure returns false with a message for the user.
     bool Open(const std::string& path, std::string& error) {
+        // Judged by the status alone: opening a FIFO would wait for a writer.
         std::error_code ec;
-        if (std::filesystem::is_directory(path, ec)) {
+        const std::filesystem::file_status status = std::filesystem::status(path, ec);
+        if (std::filesystem::is_directory(status)) {
             error = "'" + path + "' is a directory";
+            return false;
+        }
+        if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+            error = "'" + path + "' is not a regular file";
             return false;
         }
         errno = 0;
@@ -242,13 +248,19 @@ int RunBytes(const Args& args) {
                        " run beyond the end of '" + args[0] + "' (" + std::to_string(file.Size()) +
                        " bytes)");
     std::vector<unsigned char> bytes;
-    if (!file.ReadAt(static_cast<uint64_t>(at), static_cast<size_t>(want), bytes, error))
-        return Failure("bytes: " + error);
-
     if (!form) {
-        std::fputs(HexDump(static_cast<uint64_t>(at), bytes).c_str(), stdout);
+        // A dump of any size goes out in pieces of whole lines.
+        constexpr uint64_t kPiece = 64 * 1024;
+        for (uint64_t done = 0; done < want; done += kPiece) {
+            const size_t piece = static_cast<size_t>(std::min(kPiece, want - done));
+            if (!file.ReadAt(static_cast<uint64_t>(at) + done, piece, bytes, error))
+                return Failure("bytes: " + error);
+            std::fputs(HexDump(static_cast<uint64_t>(at) + done, bytes).c_str(), stdout);
+        }
         return 0;
     }
+    if (!file.ReadAt(static_cast<uint64_t>(at), static_cast<size_t>(want), bytes, error))
+        return Failure("bytes: " + error);
     const uint64_t value = ReadNumber(*form, bytes);
     std::printf("%lld %s %s %s\n", at, form->option + 2, Decimal(value).c_str(),
                 Hex(value, 2 * form->size).c_str());

@@ -38,6 +38,7 @@ bool ParseDouble(const std::string& text, double& value);
 int RunTimecode(const Args& args);
 int RunBits(const Args& args);
 int RunBytes(const Args& args);
+int RunFile(const Args& args);
 // A background task with a progress line, pumped from the main thread.
 int RunTask(const Args& args);
 int RunTaskExample();

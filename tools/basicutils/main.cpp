@@ -55,6 +55,14 @@ const Command kCommands[] = {
      "  or dumps N bytes in hex and text (--count; by default up to 16 bytes).\n"
      "  example: basicutils bytes clip.m2v --at 4 --mb32",
      RunBytes},
+    {"file", nullptr, "a file's size, dates and kind; unique names; deleting a folder tree",
+     "usage: basicutils file ACTION\n"
+     "  info PATH        size, dates, whether its drive counts as read-only, and whether\n"
+     "                   it is the info file of a segmented file\n"
+     "  unique PATH EXT  the first free name PATH-without-extension[_N]EXT beside PATH\n"
+     "  rmtree DIR       deletes DIR and everything in it; stops at the first failure\n"
+     "  A FIFO, a device or a folder where a file is expected is refused unopened.",
+     RunFile},
     {"task", nullptr, "run a checksum task on a worker thread with a progress line",
      "usage: basicutils task [MIB]\n"
      "  checksums MIB mebibytes of generated data (default 64) on a worker thread,\n"

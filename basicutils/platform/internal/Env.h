@@ -68,6 +68,9 @@ enum class SysCall : int {
     kAsyncComplete,
     kMmap,
     kMunmap,
+    kLstat,
+    kFcntl,
+    kFadvise,
     kCount  // the number of kinds; keep last
 };
 
@@ -122,6 +125,12 @@ class BASICUTILS_EXPORT Env {
     // Anonymous private mappings only: MAP_FAILED with errno on failure.
     virtual void* Mmap(size_t length, int protection) = 0;
     virtual int Munmap(void* address, size_t length) = 0;
+    // lstat: the status of a name itself, a symbolic link not followed.
+    virtual int Lstat(const char* path, struct stat* status) = 0;
+    // fcntl with an int argument (F_GETFL, F_SETFL...).
+    virtual int Fcntl(int fd, int command, int argument) = 0;
+    // posix_fadvise: returns 0 or the error number (errno is not used).
+    virtual int Fadvise(int fd, off_t offset, off_t length, int advice) = 0;
 };
 
 // The real calls. Stateless; the one instance lives for the whole process.
@@ -175,6 +184,9 @@ class BASICUTILS_EXPORT EnvWrapper : public Env {
     int64_t AsyncComplete(int fd, bool write, size_t count, int64_t result) override;
     void* Mmap(size_t length, int protection) override;
     int Munmap(void* address, size_t length) override;
+    int Lstat(const char* path, struct stat* status) override;
+    int Fcntl(int fd, int command, int argument) override;
+    int Fadvise(int fd, off_t offset, off_t length, int advice) override;
 
   private:
     Env& mTarget;

@@ -74,6 +74,11 @@ class RealEnv final : public Env {
         return ::mmap(nullptr, length, protection, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     }
     int Munmap(void* address, size_t length) override { return ::munmap(address, length); }
+    int Lstat(const char* path, struct stat* status) override { return ::lstat(path, status); }
+    int Fcntl(int fd, int command, int argument) override { return ::fcntl(fd, command, argument); }
+    int Fadvise(int fd, off_t offset, off_t length, int advice) override {
+        return ::posix_fadvise(fd, offset, length, advice);
+    }
 };
 
 std::atomic<Env*> gCurrent{nullptr};
@@ -111,7 +116,8 @@ const char* SysCallName(SysCall call) {
         "lseek",   "fstat",        "stat",           "statvfs", "ftruncate",     "fsync",  "rename",
         "link",    "unlink",       "mkdir",          "rmdir",   "chdir",         "getcwd", "chmod",
         "opendir", "readdir",      "closedir",       "eventfd", "thread_create", "dlopen", "dlsym",
-        "dlclose", "async_submit", "async_complete", "mmap",    "munmap"};
+        "dlclose", "async_submit", "async_complete", "mmap",    "munmap",        "lstat",  "fcntl",
+        "fadvise"};
     static_assert(sizeof kNames / sizeof kNames[0] == static_cast<size_t>(SysCall::kCount));
     const auto index = static_cast<size_t>(call);
     return index < static_cast<size_t>(SysCall::kCount) ? kNames[index] : "?";
@@ -216,6 +222,15 @@ void* EnvWrapper::Mmap(size_t length, int protection) {
 }
 int EnvWrapper::Munmap(void* address, size_t length) {
     return mTarget.Munmap(address, length);
+}
+int EnvWrapper::Lstat(const char* path, struct stat* status) {
+    return mTarget.Lstat(path, status);
+}
+int EnvWrapper::Fcntl(int fd, int command, int argument) {
+    return mTarget.Fcntl(fd, command, argument);
+}
+int EnvWrapper::Fadvise(int fd, off_t offset, off_t length, int advice) {
+    return mTarget.Fadvise(fd, offset, length, advice);
 }
 
 }  // namespace basicutils::detail

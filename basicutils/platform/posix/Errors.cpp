@@ -112,6 +112,8 @@ constexpr MessageEntry kMessages[] = {
     {ERROR_SEM_TIMEOUT, "The semaphore timeout period has expired."},
     {ERROR_INSUFFICIENT_BUFFER, "The data area passed to a system call is too small."},
     {ERROR_INVALID_NAME, "The filename, directory name, or volume label syntax is incorrect."},
+    {ERROR_NEGATIVE_SEEK,
+     "An attempt was made to move the file pointer before the beginning of the file."},
     {ERROR_MOD_NOT_FOUND, "The specified module could not be found."},
     {ERROR_PROC_NOT_FOUND, "The specified procedure could not be found."},
     {ERROR_DIR_NOT_EMPTY, "The directory is not empty."},

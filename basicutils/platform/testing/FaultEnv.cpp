@@ -207,6 +207,14 @@ int FaultEnv::Eventfd(unsigned int initial, int flags) {
     BASICUTILS_FAIL_CHECK(SysCall::kEventfd, -1)
     return Target().Eventfd(initial, flags);
 }
+int FaultEnv::Lstat(const char* path, struct stat* status) {
+    BASICUTILS_FAIL_CHECK(SysCall::kLstat, -1)
+    return Target().Lstat(path, status);
+}
+int FaultEnv::Fcntl(int fd, int command, int argument) {
+    BASICUTILS_FAIL_CHECK(SysCall::kFcntl, -1)
+    return Target().Fcntl(fd, command, argument);
+}
 #undef BASICUTILS_FAIL_CHECK
 
 int FaultEnv::ThreadCreate(pthread_t* thread, const pthread_attr_t* attr, void* (*routine)(void*),
@@ -232,6 +240,10 @@ void* FaultEnv::Dlsym(void* library, const char* symbol) {
 int FaultEnv::Dlclose(void* library) {
     if (const int fault = Check(SysCall::kDlclose); fault > 0) return fault;
     return Target().Dlclose(library);
+}
+int FaultEnv::Fadvise(int fd, off_t offset, off_t length, int advice) {
+    if (const int fault = Check(SysCall::kFadvise); fault > 0) return fault;
+    return Target().Fadvise(fd, offset, length, advice);
 }
 
 int FaultEnv::AsyncSubmit(int fd, bool write, size_t count, off_t offset) {

@@ -96,6 +96,9 @@ class FaultEnv : public detail::EnvWrapper {
     int64_t AsyncComplete(int fd, bool write, size_t count, int64_t result) override;
     void* Mmap(size_t length, int protection) override;
     int Munmap(void* address, size_t length) override;
+    int Lstat(const char* path, struct stat* status) override;
+    int Fcntl(int fd, int command, int argument) override;
+    int Fadvise(int fd, off_t offset, off_t length, int advice) override;
 
   private:
     enum class Action { kFail, kShort, kKill };
