@@ -36,7 +36,7 @@ class Reports : public LListener {
     std::vector<std::pair<int32_t, std::u16string>> heard;
 };
 
-class TempDirTest : public testing::Test {
+class TempDirTest : public ::testing::Test {
   protected:
     void SetUp() override {
         mDir = fs::temp_directory_path() / ("bu_files_" + std::to_string(std::random_device{}()));

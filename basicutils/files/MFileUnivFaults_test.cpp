@@ -66,7 +66,9 @@ TEST_F(MFileUnivFaultTest, EachFailureHasItsAnswerReportAndChannel) {
         MFileUniv file;
         ASSERT_EQ(file.FOpen(WPath("f").c_str(), c.mode), 0);
         file.FClose();
-        if (c.call != SysCall::kOpen) ASSERT_EQ(file.FOpen(c.mode), 0);
+        if (c.call != SysCall::kOpen) {
+            ASSERT_EQ(file.FOpen(c.mode), 0);
+        }
         Reports reports;
         FaultEnv faults;
         ScopedEnv use(faults);
