@@ -82,8 +82,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Check(Text(DirName(CString(path.c_str()))) == ModelCut(path, true));
     Check(Text(BaseName(CString(path.c_str()))) == ModelCut(path, false));
 
-    const Text added = path.empty() ? Text()
-                                    : (remove ? StripTail(path, u'\\') : path) + Text(count, u'\\');
+    const Text added =
+        path.empty() ? Text() : (remove ? StripTail(path, u'\\') : path) + Text(count, u'\\');
     Check(Text(AddDirectorySeparator(path.c_str(), remove, count)) == added);
     Check(Text(DeleteTailCharacter(path.c_str(), trim)) == StripTail(path, trim));
     return 0;

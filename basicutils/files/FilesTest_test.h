@@ -1,9 +1,11 @@
 // Shared by the file layer's tests: a temporary folder on the real file
-// system, a recorder of the library's reports, and 16-bit paths.
+// system, a recorder of the library's reports, and the fault seam.
 #pragma once
 
+#include <basicutils/files/MFileUniv.h>
 #include <basicutils/messaging/CMessageAction.h>
 #include <basicutils/messaging/LBroadcaster.h>
+#include <basicutils/platform/testing/FaultEnv.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -16,13 +18,16 @@
 namespace basicutils::filestest {
 
 namespace fs = std::filesystem;
+using testing::FaultEnv;
+using testing::ScopedEnv;
+using testing::SysCall;
+using Heard = std::vector<std::pair<int32_t, std::u16string>>;
 
 inline constexpr int32_t kErrorReport = 26000;
 inline constexpr int32_t kInformReport = 26002;
+inline constexpr int64_t kGiB = int64_t{1} << 30;
 
-inline std::u16string U16(const std::string& s) { return std::u16string(s.begin(), s.end()); }
-
-// Every report of CMessageAction while the recorder lives.
+// Every report of CMessageAction while the recorder lives; all have a null context.
 class Reports : public LListener {
   public:
     Reports() { CMessageAction::GetMessageAction()->AddListener(this); }
@@ -30,10 +35,10 @@ class Reports : public LListener {
     bool ListenToMessage(int32_t message, void* param) override {
         auto* info = static_cast<SInteractionInfo*>(param);
         EXPECT_EQ(info->mContext, nullptr);
-        heard.emplace_back(message, info->mText ? info->mText : u"");
+        heard.emplace_back(message, info->mText);
         return true;
     }
-    std::vector<std::pair<int32_t, std::u16string>> heard;
+    Heard heard;
 };
 
 class TempDirTest : public ::testing::Test {
@@ -42,21 +47,18 @@ class TempDirTest : public ::testing::Test {
         mDir = fs::temp_directory_path() / ("bu_files_" + std::to_string(std::random_device{}()));
         fs::create_directories(mDir);
     }
-    void TearDown() override {
-        std::error_code ec;
-        fs::permissions(mDir, fs::perms::owner_all, fs::perm_options::add, ec);
-        fs::remove_all(mDir, ec);
-    }
-    std::string Path(const std::string& name) const { return (mDir / name).string(); }
-    std::u16string WPath(const std::string& name) const { return U16(Path(name)); }
+    void TearDown() override { fs::remove_all(mDir); }
+    std::u16string WPath(const std::string& name) const { return (mDir / name).u16string(); }
     void Write(const std::string& name, const std::string& bytes) const {
         std::ofstream(mDir / name, std::ios::binary) << bytes;
     }
     std::string Read(const std::string& name) const {
-        std::ifstream in(mDir / name, std::ios::binary);
         std::stringstream s;
-        s << in.rdbuf();
+        s << std::ifstream(mDir / name, std::ios::binary).rdbuf();
         return s.str();
+    }
+    void Open(MFileUniv& file, const std::string& name, file_open_t mode) const {
+        ASSERT_EQ(file.FOpen(WPath(name).c_str(), mode), 0) << name << " mode " << mode;
     }
 
     fs::path mDir;

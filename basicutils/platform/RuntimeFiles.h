@@ -74,7 +74,8 @@ inline constexpr int _MAX_EXT = 256;
 // owner's _S_IREAD / _S_IWRITE / _S_IEXEC, copied to the group and other
 // positions as the legacy runtime does. st_ctime is the last change of the
 // file's status (Linux keeps no creation time that this record could carry).
-// st_dev and st_ino are widened to 64 bits so that two files never look alike.
+// st_dev and st_ino are widened to 64 bits so that two files never look alike;
+// st_uid and st_gid are 0, as the legacy runtime gave them.
 #pragma push_macro("st_atime")
 #pragma push_macro("st_mtime")
 #pragma push_macro("st_ctime")

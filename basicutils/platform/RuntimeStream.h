@@ -87,6 +87,9 @@ BASICUTILS_EXPORT int32_t ftell(RuntimeStream* stream);
 // it failed (the stream is gone either way).
 BASICUTILS_EXPORT int fclose(RuntimeStream* stream);
 
+// The descriptor under the stream.
+BASICUTILS_EXPORT int _fileno(RuntimeStream* stream);
+
 // Non-zero once a read met the end of the file / once a call failed.
 BASICUTILS_EXPORT int feof(RuntimeStream* stream);
 BASICUTILS_EXPORT int ferror(RuntimeStream* stream);

@@ -73,8 +73,7 @@ int Info(const std::string& path) {
     std::printf("modified: %s\n", Date(dated.GetModifyTime()).c_str());
     std::printf("accessed: %s\n", Date(dated.GetAccessTime()).c_str());
     dated.FClose();
-    std::printf("read-only drive: %s\n",
-                MFileSpecWin::IsFileOnReadOnlyDrive(wide) ? "yes" : "no");
+    std::printf("read-only drive: %s\n", MFileSpecWin::IsFileOnReadOnlyDrive(wide) ? "yes" : "no");
     std::printf("segmented info file: %s\n", segmented ? "yes" : "no");
     return 0;
 }
@@ -97,8 +96,7 @@ int RemoveTree(const std::string& path) {
     if (ec || !fs::exists(status)) return Failure("file rmtree: '" + path + "' does not exist");
     if (fs::is_symlink(status))
         return Failure("file rmtree: '" + path + "' is a symbolic link, not a directory");
-    if (!fs::is_directory(status))
-        return Failure("file rmtree: '" + path + "' is not a directory");
+    if (!fs::is_directory(status)) return Failure("file rmtree: '" + path + "' is not a directory");
     ReportPrinter reports(stderr, stderr);
     reports.Attach();
     return DeleteDirectory(FromUtf8(path)) == 0 ? 0 : 1;

@@ -19,7 +19,8 @@ using basicutils_tool_test::RunToolShell;
 class FileCommandTest : public testing::Test {
   protected:
     void SetUp() override {
-        mDir = fs::temp_directory_path() / ("file_tool_test_" + std::to_string(std::random_device{}()));
+        mDir = fs::temp_directory_path() /
+               ("file_tool_test_" + std::to_string(std::random_device{}()));
         fs::create_directories(mDir / "tree/sub");
         std::ofstream(mDir / "info") << "# Velmorant c_files \nclip.cfx.0\n";
         std::ofstream(mDir / "plain") << "# velmorant c_files\n";

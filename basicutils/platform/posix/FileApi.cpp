@@ -34,8 +34,9 @@ int OpenRegularFile(const char* path, int flags, mode_t mode) {
         return -1;
     }
     struct stat status;
-    if (RetryOnEintr([&] { return env.Fstat(fd, &status); }) != 0 || !S_ISREG(status.st_mode)) {
-        const int error = S_ISREG(status.st_mode) ? errno : EACCES;
+    const bool known = RetryOnEintr([&] { return env.Fstat(fd, &status); }) == 0;
+    if (!known || !S_ISREG(status.st_mode)) {
+        const int error = known ? EACCES : errno;
         env.Close(fd);
         errno = error;
         return -1;

@@ -373,6 +373,10 @@ int fclose(RuntimeStream* stream) {
     return ok ? 0 : -1;
 }
 
+int _fileno(RuntimeStream* stream) {
+    return stream->Fd();
+}
+
 int feof(RuntimeStream* stream) {
     return stream->Eof() ? 1 : 0;
 }

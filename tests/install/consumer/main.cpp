@@ -2,6 +2,7 @@
 #include <basicutils/BasicUtils.h>
 
 #include <cstdio>
+#include <string>
 
 using namespace basicutils;
 
@@ -15,5 +16,17 @@ int main() {
     char out[64];
     text.ExportASCII(out, 63, kCharacterSetWindows);
     std::printf("%s, %u item\n", out, list.GetCount());
-    return tc.GetTotalFrame() == 108001 && list.GetCount() == 1 ? 0 : 1;
+
+    // A file written and measured through the file layer, and the 8-bit
+    // basename beside the C library's own.
+    MFileUniv file;
+    char line[] = "consumer\n";
+    const bool wrote =
+        file.FOpen(u"basicutils_consumer.txt", kOpenWriteBinary) == 0 && file.FPuts(line) == 0;
+    file.FClose();
+    const bool sized = file.GetSize() == 9;
+    _wremove(u"basicutils_consumer.txt");
+    char path[] = "a\\b";
+    const bool named = std::string(basicutils::basename(path)) == "b";
+    return tc.GetTotalFrame() == 108001 && list.GetCount() == 1 && wrote && sized && named ? 0 : 1;
 }
