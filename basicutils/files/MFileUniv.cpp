@@ -95,7 +95,7 @@ void MFileUniv::CopyFrom(const MFileUniv& other) {
     mOpenMode = other.mOpenMode;
     mIsOverlapped = other.mIsOverlapped;
     mSectorSkew = other.mSectorSkew;
-    mConcat = other.mConcat;
+    mConcat = SConcatState();  // the concatenation stays with the original
     mHandle = other.mHandle;
     mViews = other.mViews;
 }
@@ -180,6 +180,7 @@ int MFileUniv::OpenOverlapped(file_open_t mode) {
 }
 
 void MFileUniv::FClose() {
+    ConcatRelease();
     if (mIsOverlapped) {
         if (LastView()) {
             CancelIo(mHandle);

@@ -95,6 +95,7 @@
 #include <basicutils/Export.h>
 #include <basicutils/files/MFile.h>
 #include <basicutils/platform/FileApi.h>
+#include <basicutils/platform/FileIo.h>
 #include <basicutils/platform/RuntimeStream.h>
 
 #include <cstdint>
@@ -102,11 +103,23 @@
 
 namespace basicutils {
 
+// The request block of one overlapped transfer of a concatenation, with
+// what its completion routine stores: the routine only writes a context
+// whose mMagic is kCompletionMagic, and always sets the event in hEvent.
+struct SCompletionContext {
+    _OVERLAPPED mOverlapped;  // first, so the routine's _OVERLAPPED* is the context
+    uint32_t mMagic;
+    uint32_t mCompletionCode;
+    uint32_t mBytesTransferred;
+};
+inline constexpr uint32_t kCompletionMagic = 0xDEADBEEF;
+
 // The state of a concatenation into an overlapped file: the output and
 // source handles, the two transfer buffers and the counts of the run.
 struct SConcatState {
     HANDLE mOutputHandle;
     HANDLE mSourceHandle;
+    SCompletionContext mWriteContext;  // its offset is the output position
     uint32_t mSourceSize;
     uint32_t mPaddedSize;
     uint32_t mBufferSize;
@@ -163,6 +176,87 @@ class BASICUTILS_EXPORT MFileUniv : public MFile {
     // The overlapped world's size setter: 0 or -1.
     int FSetFileSize(int64_t size);
 
+    // ---- the overlapped world: sector transfers and concatenation ----------
+    //
+    // A sector is 2,048 bytes; offsets are bytes. Results are 0 or a Win32
+    // error code; reports go through CMessageAction with a null context and
+    // the default window.
+    //
+    // FReadOverlapped widens the request to whole sectors: it reads from the
+    // sector start below `offset` (mSectorSkew bytes before it, 0 to 2,047)
+    // to the next sector boundary at or after offset + size, into buffer -
+    // mSectorSkew. So the byte at `offset` lands at `buffer`, and the caller's
+    // memory must reach 2,047 bytes before and after the request. A refused
+    // ReadFile raises the warning "Retry ReadFile at sector %d due to Win32
+    // error %d ..." and is tried once more at once; a second refusal raises
+    // the error "ReadFile at sector %d failed, Win32 error %d" and answers the
+    // code. ERROR_IO_PENDING and ERROR_HANDLE_EOF count as started; the end of
+    // the file shows only in the completion's count.
+    //
+    // FWriteOverlapped writes exactly what it is given (the caller keeps it
+    // on sectors); a refusal raises "WriteFile failed at sector %d, error %d"
+    // and answers the code, with no retry.
+    //
+    // FWaitOverlappedCompletion waits `seconds` for the event, resets it
+    // whatever came, and answers the wait: 0 or WAIT_TIMEOUT (258). A time
+    // beyond the longest finite wait is held at it.
+    //
+    // Concatenation appends pieces to this (overlapped) file at an output
+    // position that moves on behind each piece, padding included:
+    //   ConcatInitialize(blockSize, outputOffset): two buffers of blockSize
+    //     sectors each (blockSize 2,048 gives 4 MiB), and the write event.
+    //     Pieces are padded with zeros to a multiple of blockSize bytes; a
+    //     multiple of 2,048 keeps the output on sectors. 0, or -1 with the
+    //     reason in mConcat.mLastError (no memory; ERROR_INVALID_PARAMETER for
+    //     a blockSize that makes no buffer). A second ConcatInitialize
+    //     releases what the first one made.
+    //   ConcatFile(path, ., cancel, .): appends a whole file, reading the
+    //     next buffer while the last one is written, and tells each write to
+    //     CThreadStatus::AdvancePosition in sectors. `cancel` is read once a
+    //     pass, as an atomic: another thread (or a signal handler) sets it
+    //     through std::atomic_ref<bool>. Answers 0 (a cancelled run too: the
+    //     output keeps what was written); -1 when the source cannot be opened
+    //     (no report) or a transfer fails or falls short (the system's text of
+    //     the reason through CMessageAction::Error); a Win32 code, with no
+    //     report, when the size of the source cannot be read. An empty source
+    //     writes nothing and answers 0.
+    //   ConcatBufferSynchronously(buffer, size): writes one memory block of at
+    //     most one buffer, padded, and waits: 0, or -1 with no report.
+    //   ConcatPosition(): where the next piece goes.
+    //   ConcatRelease(): frees the buffers and closes the event.
+    //
+    // Choices of this port for the concatenation:
+    //   - No run returns with a transfer in flight. When a run ends early
+    //     (cancelled, or a transfer failed) it cancels the read in flight and
+    //     waits for it, and waits for the write in flight: a write that was
+    //     started is kept and counted like any other (the output position
+    //     moves behind it, AdvancePosition hears it). So no completion ever
+    //     reaches the read context on the stack of a finished call, or a
+    //     buffer that the next run reuses or ConcatRelease frees.
+    //   - The buffers and the event are released by ConcatRelease, which
+    //     ConcatInitialize, FClose and the destructor call. A copy of the
+    //     object starts with no concatenation: only the original releases.
+    //   - Each run starts with mLastError 0 and reports only its own failure.
+    //   - A transfer that ends with the wrong count records its own error
+    //     code; one that ended short without one records ERROR_HANDLE_EOF (a
+    //     read: the source ended early) or ERROR_DISK_FULL (a write), so the
+    //     report always has a text.
+    //   - A source whose padded size does not fit 32 bits (4 GiB) is refused
+    //     with ERROR_NOT_SUPPORTED (50), nothing written, rather than copied
+    //     in part; a ConcatFile or ConcatBufferSynchronously without a
+    //     successful ConcatInitialize, and a block larger than a buffer,
+    //     answer -1 and touch nothing.
+    uint32_t FReadOverlapped(int64_t offset, char* buffer, int32_t size, _OVERLAPPED* overlapped,
+                             void* event);
+    uint32_t FWriteOverlapped(int64_t offset, char* buffer, int32_t size, _OVERLAPPED* overlapped,
+                              void* event);
+    uint32_t FWaitOverlappedCompletion(void* event, uint32_t seconds);
+    int32_t ConcatInitialize(int32_t blockSize, int64_t outputOffset);
+    int32_t ConcatFile(const char16_t* path, int32_t, bool& cancel, int32_t);
+    int32_t ConcatBufferSynchronously(char* buffer, int32_t size);
+    void ConcatRelease();
+    int64_t ConcatPosition() const;
+
     // The cache.
     void ResetCache();
     void ReadCache();
@@ -194,6 +288,15 @@ class BASICUTILS_EXPORT MFileUniv : public MFile {
     // Drops this view of the open file without closing anything.
     void ForgetFile();
     void CopyFrom(const MFileUniv& other);
+
+    // Concatenation steps (MFileUnivConcat.cpp).
+    int32_t RunConcat(SCompletionContext& read, uint32_t size, bool& cancel);
+    void StartConcatWrite();
+    bool StartConcatRead(SCompletionContext& read);
+    uint32_t WaitForContext(SCompletionContext& context);
+    void RecordCountFailure(const SCompletionContext& context, bool write);
+    void SettleConcat(SCompletionContext& read);
+    void AccountWrite(uint32_t count, bool progress);
 
     // Shared by the views of one open file (see the top).
     std::shared_ptr<int> mViews;

@@ -2,6 +2,7 @@
 // end of the file, cancellation, and faults injected through the seam.
 #include <basicutils/platform/internal/AsyncIo.h>
 #include <basicutils/platform/testing/FaultEnv.h>
+#include <basicutils/platform/testing/TestBackend.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -61,7 +62,7 @@ class AsyncIo : public ::testing::TestWithParam<AsyncBackendKind> {
     void TearDown() override {
         ::close(fd);
         ::unlink(path.c_str());
-        SelectAsyncBackend(AsyncBackendKind::kAutomatic);
+        SelectAsyncBackend(testing::TestAsyncBackend());
     }
     AsyncBackendKind kind{};
     int fd = -1;

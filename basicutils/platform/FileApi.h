@@ -187,8 +187,12 @@ BASICUTILS_EXPORT DWORD SetFilePointer(HANDLE file, LONG distanceToMove, LONG* d
 BASICUTILS_EXPORT BOOL SetEndOfFile(HANDLE file);
 // Writes what the system holds of the file to the disk (fsync).
 BASICUTILS_EXPORT BOOL FlushFileBuffers(HANDLE file);
-// Cancels the transfers of the calling thread on the handle; TRUE for any
-// file handle (there is nothing in flight to cancel yet).
+// Cancels the overlapped transfers of the handle that have not started yet,
+// whichever thread issued them (the legacy system cancels only the calling
+// thread's; the library issues and cancels on one thread). They end with
+// ERROR_OPERATION_ABORTED, and their events and completion routines still
+// come, so their buffers must live until then. A transfer already running
+// finishes normally. TRUE for any file handle.
 BASICUTILS_EXPORT BOOL CancelIo(HANDLE file);
 // Deletes a file; a read-only file (see _wchmod) or a folder gives
 // ERROR_ACCESS_DENIED.

@@ -14,6 +14,7 @@ namespace detail {
 FileObject::~FileObject() {
     // Nobody is left to hear of a failed close; see FileApi.h.
     if (mOwned) CurrentEnv().Close(mFd);
+    if (mBufferedFd >= 0) CurrentEnv().Close(mBufferedFd);
 }
 
 FileRef::FileRef(HANDLE handle) : mFile(nullptr) {
@@ -256,7 +257,9 @@ BOOL FlushFileBuffers(HANDLE file) {
 
 BOOL CancelIo(HANDLE file) {
     FileRef ref(file);
-    return ref ? 1 : 0;
+    if (!ref) return 0;
+    detail::CancelTransfers(*ref.operator->());
+    return 1;
 }
 
 BOOL DeleteFileW(const char16_t* fileName) {

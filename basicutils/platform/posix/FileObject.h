@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <mutex>
 #include <string_view>
 
 namespace basicutils::detail {
@@ -28,11 +29,18 @@ class FileObject final : public KernelObject {
 
     int Descriptor() const { return mFd; }
     bool CanWrite() const { return (mAccess & GENERIC_WRITE) != 0; }
+    // Access 0 opens for reading.
+    bool CanRead() const { return (mAccess & GENERIC_READ) != 0 || !CanWrite(); }
     DWORD Flags() const { return mFlags; }
     bool Overlapped() const { return (mFlags & FILE_FLAG_OVERLAPPED) != 0; }
     // Whether direct I/O (O_DIRECT) is on: FILE_FLAG_NO_BUFFERING was asked
     // and the file system allowed it. Transfers must then be aligned.
     bool Direct() const { return mDirect; }
+    // For a direct file, a second descriptor of the same file without direct
+    // I/O, opened at the first call, for the transfers that direct I/O
+    // cannot take (see FileIo.h); -1 when it cannot be opened. For any other
+    // file the descriptor itself.
+    int BufferedDescriptor();
 
   protected:
     ~FileObject() override;
@@ -43,7 +51,13 @@ class FileObject final : public KernelObject {
     const DWORD mAccess;
     const DWORD mFlags;
     const bool mDirect;
+    std::mutex mBufferedLock;  // guards the opening of mBufferedFd
+    std::atomic<int> mBufferedFd{-1};
+    bool mBufferedTried = false;
 };
+
+// Cancels the file's transfers that have not started (see CancelIo).
+void CancelTransfers(FileObject& file);
 
 // The file object behind a handle with a reference held, or empty with
 // ERROR_INVALID_HANDLE set.

@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstring>
 
 namespace basicutils::testing {
@@ -40,6 +41,21 @@ FaultEnv& FaultEnv::KillAt(SysCall call, int nth) {
     return Add({call, nth, false, Action::kKill, 0});
 }
 
+FaultEnv& FaultEnv::HoldNth(SysCall call, int nth) {
+    return Add({call, nth, false, Action::kHold, 0});
+}
+
+bool FaultEnv::WaitUntilHeld(int seconds) {
+    std::unique_lock<std::mutex> l(mLock);
+    return mHoldChanged.wait_for(l, std::chrono::seconds(seconds), [&] { return mHeld > 0; });
+}
+
+void FaultEnv::Release() {
+    std::lock_guard<std::mutex> g(mLock);
+    mReleased = true;
+    mHoldChanged.notify_all();
+}
+
 FaultEnv& FaultEnv::LimitToThisThread() {
     std::lock_guard<std::mutex> g(mLock);
     mOneThread = true;
@@ -66,7 +82,7 @@ void FaultEnv::Reset() {
 
 int FaultEnv::Check(SysCall call) {
     const int saved = errno;  // counting must not disturb a caller's errno
-    std::lock_guard<std::mutex> g(mLock);
+    std::unique_lock<std::mutex> l(mLock);
     if (mOneThread && std::this_thread::get_id() != mThread) return 0;
     const int own = ++mCounts[static_cast<size_t>(call)];
     const int any = ++mCounts[static_cast<size_t>(SysCall::kAny)];
@@ -84,6 +100,13 @@ int FaultEnv::Check(SysCall call) {
                 return kShortTransfer;
             case Action::kFail:
                 return rule.error;
+            case Action::kHold:
+                ++mHeld;
+                mHoldChanged.notify_all();
+                // No deadline of its own: the test that set the hold releases it.
+                mHoldChanged.wait(l, [&] { return mReleased; });
+                --mHeld;
+                break;
         }
     }
     errno = saved;

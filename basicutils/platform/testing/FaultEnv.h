@@ -23,6 +23,13 @@
 // the errno; a failing kAsyncComplete turns its result into -errno, and a
 // short one halves the bytes it reports.
 //
+// A hold makes a call wait, on whatever thread makes it, until the test
+// releases it: HoldNth(SysCall::kAsyncComplete, 2) keeps the second transfer
+// in flight (its completion waits in the engine) while the test looks at the
+// code that must cope with it; WaitUntilHeld tells when the call has arrived,
+// Release lets it and every later hold go. A test releases before the
+// FaultEnv goes away.
+//
 // By default every thread's calls count. LimitToThisThread makes the rules
 // and counters see only the calling thread, so that a test's background
 // threads (message queues, other tasks) do not shift the numbers.
@@ -33,6 +40,7 @@
 #include <basicutils/platform/internal/Env.h>
 
 #include <array>
+#include <condition_variable>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -56,6 +64,11 @@ class FaultEnv : public detail::EnvWrapper {
     // The process dies by SIGKILL just before the nth call of the kind.
     FaultEnv& KillAt(SysCall call, int nth);
     FaultEnv& LimitToThisThread();
+    // The nth call of the kind waits until Release.
+    FaultEnv& HoldNth(SysCall call, int nth);
+    // True once a call waits in a hold; false when `seconds` pass first.
+    bool WaitUntilHeld(int seconds);
+    void Release();
 
     // Calls seen of a kind (kAny: all kinds), and faults injected so far.
     int Count(SysCall call) const;
@@ -101,7 +114,7 @@ class FaultEnv : public detail::EnvWrapper {
     int Fadvise(int fd, off_t offset, off_t length, int advice) override;
 
   private:
-    enum class Action { kFail, kShort, kKill };
+    enum class Action { kFail, kShort, kKill, kHold };
     struct Rule {
         SysCall call;
         int nth;
@@ -121,6 +134,9 @@ class FaultEnv : public detail::EnvWrapper {
     int mInjected = 0;
     bool mOneThread = false;
     std::thread::id mThread;
+    std::condition_variable mHoldChanged;
+    int mHeld = 0;
+    bool mReleased = false;
 };
 
 // Installs an Env for the length of a scope and puts the previous one back.
