@@ -40,8 +40,8 @@
 //     the complete info file;
 //   - a new segment is created (and sized, by a seek) and its folder synced
 //     before its line is appended to the info file; a line goes out in one
-//     write and is synced. A killed roll-over may leave an unlisted empty
-//     segment or P.cfx.new; the next roll-over reuses or replaces them.
+//     write and is synced. A killed roll-over or seek may leave an unlisted
+//     segment or P.cfx.new beside P; the next one replaces them.
 // After a power cut the info file and the names it lists are intact, but
 // segment data is only as durable as the system's write-back made it:
 // segments are not synced.

@@ -92,7 +92,8 @@ int MFiles::FWrite(char* buffer, int count) {
 }
 
 // The new segment is on disk (and its folder synced) before its line is in
-// the info file, and in the info file before anything is written to it.
+// the info file, and in the info file before anything is written to it. A
+// file left under its name by a killed roll-over is not listed, so it goes.
 int MFiles::AddSegment(int64_t size) {
     if (GetFileNum() >= detail::kMaxSegments) return -1;
     if (mInfoFileSpec.GetFilePath()[0] == 0 && DoSwitchToInfoFile() != 0) return -1;
@@ -100,6 +101,7 @@ int MFiles::AddSegment(int64_t size) {
     path.Format(u"%s%s.%d", static_cast<const char16_t*>(mInfoFileSpec.GetFilePath()),
                 detail::kSegmentExtension, GetFileNum());
     MFileSpecWin spec(path);
+    _wremove(path);  // a file of that name is not listed: not part of the logical file
     if (size < 0) {
         if (mCurrentFile.FOpen(spec, mOpenMode) != 0) return -1;
     } else {
