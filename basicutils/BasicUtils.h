@@ -18,6 +18,7 @@
 #include <basicutils/platform/Console.h>
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/FileApi.h>
+#include <basicutils/platform/FileIo.h>
 #include <basicutils/platform/MessageQueue.h>
 #include <basicutils/platform/RuntimeFiles.h>
 #include <basicutils/platform/RuntimeStream.h>
@@ -59,6 +60,7 @@
 #include <basicutils/bitstream/CAppBits.h>
 #include <basicutils/bitstream/CAppBytes.h>
 // files
+#include <basicutils/files/AsyncReadBuffer.h>
 #include <basicutils/files/MDirectory.h>
 #include <basicutils/files/MFile.h>
 #include <basicutils/files/MFileSpec.h>

@@ -80,6 +80,22 @@ const Command kCommands[] = {
      "  lists each segment with its size, and the total. Exits 1 when a segment is\n"
      "  missing.",
      RunInfo},
+    {"concat", nullptr, "append whole files to one, each padded to a block, with progress",
+     "usage: basicutils concat OUT IN... [--block SECTORS] [--offset BYTES]\n"
+     "  Appends each IN to OUT in turn, each padded with zeros to a multiple of\n"
+     "  SECTORS sectors of 2048 bytes (1 to 64, default 1), through two buffers of\n"
+     "  SECTORS x 4 MiB: the next piece is read while the last one is written, and\n"
+     "  OUT is written unbuffered where its file system allows. OUT is made anew,\n"
+     "  or, with --offset (a multiple of 2048), kept and written from that byte.\n"
+     "  Ctrl-C stops after the current buffer; OUT keeps what was written, and the\n"
+     "  tool says how much (exit status 130).",
+     RunConcat},
+    {"sum", nullptr, "read a file ahead on a worker task: Adler-32, size and throughput",
+     "usage: basicutils sum FILE\n"
+     "  Reads FILE with the library's read-ahead ring (two 4 MiB buffers, the next\n"
+     "  one read while the task sums the current one) on a worker task, with a\n"
+     "  progress line in MiB, and prints: ADLER32  SIZE bytes  RATE MiB/s  FILE",
+     RunSum},
     {"task", nullptr, "run a checksum task on a worker thread with a progress line",
      "usage: basicutils task [MIB]\n"
      "  checksums MIB mebibytes of generated data (default 64) on a worker thread,\n"

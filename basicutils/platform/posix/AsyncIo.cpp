@@ -42,11 +42,12 @@ bool StartEngineThread(void* (*routine)(void*), void* argument) {
 class EngineBase : public AsyncBackend {
   public:
     void Drain(int fd) override {
-        std::unique_lock<std::mutex> l(mCountLock);
+        Counts& c = TheCounts();
+        std::unique_lock<std::mutex> l(c.lock);
         // No deadline: every transfer in the engine ends (the kernel or an
         // I/O thread completes it), and the caller must not free its buffer
         // before that.
-        mIdle.wait(l, [&] { return mInEngine.find(fd) == mInEngine.end(); });
+        c.idle.wait(l, [&] { return c.inEngine.find(fd) == c.inEngine.end(); });
     }
 
   protected:
@@ -63,8 +64,9 @@ class EngineBase : public AsyncBackend {
             errno = refusal;
             return false;
         }
-        std::lock_guard<std::mutex> g(mCountLock);
-        ++mInEngine[t->fd];
+        Counts& c = TheCounts();
+        std::lock_guard<std::mutex> g(c.lock);
+        ++c.inEngine[t->fd];
         return true;
     }
     // Undoes Admit for a transfer that could not be handed on.
@@ -93,17 +95,26 @@ class EngineBase : public AsyncBackend {
 
   private:
     void CountOut(int fd) {
-        std::lock_guard<std::mutex> g(mCountLock);
-        auto it = mInEngine.find(fd);
-        if (it != mInEngine.end() && --it->second == 0) {
-            mInEngine.erase(it);
-            mIdle.notify_all();
+        Counts& c = TheCounts();
+        std::lock_guard<std::mutex> g(c.lock);
+        auto it = c.inEngine.find(fd);
+        if (it != c.inEngine.end() && --it->second == 0) {
+            c.inEngine.erase(it);
+            c.idle.notify_all();
         }
     }
 
-    static inline std::mutex mCountLock;
-    static inline std::condition_variable mIdle;
-    static inline std::unordered_map<int, int> mInEngine;
+    // Made once and never destroyed, like the engines: an engine thread may
+    // still be counting a transfer out while the process exits.
+    struct Counts {
+        std::mutex lock;
+        std::condition_variable idle;
+        std::unordered_map<int, int> inEngine;
+    };
+    static Counts& TheCounts() {
+        static Counts* counts = new Counts;
+        return *counts;
+    }
 };
 
 // ---- the pool ---------------------------------------------------------------

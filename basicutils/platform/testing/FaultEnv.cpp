@@ -51,9 +51,12 @@ bool FaultEnv::WaitUntilHeld(int seconds) {
 }
 
 void FaultEnv::Release() {
-    std::lock_guard<std::mutex> g(mLock);
+    std::unique_lock<std::mutex> l(mLock);
     mReleased = true;
     mHoldChanged.notify_all();
+    // The held calls have left the hold when this returns, so the FaultEnv
+    // can go right after.
+    mHoldChanged.wait_for(l, std::chrono::seconds(10), [&] { return mHeld == 0; });
 }
 
 FaultEnv& FaultEnv::LimitToThisThread() {
@@ -106,6 +109,7 @@ int FaultEnv::Check(SysCall call) {
                 // No deadline of its own: the test that set the hold releases it.
                 mHoldChanged.wait(l, [&] { return mReleased; });
                 --mHeld;
+                mHoldChanged.notify_all();
                 break;
         }
     }

@@ -27,8 +27,8 @@
 // releases it: HoldNth(SysCall::kAsyncComplete, 2) keeps the second transfer
 // in flight (its completion waits in the engine) while the test looks at the
 // code that must cope with it; WaitUntilHeld tells when the call has arrived,
-// Release lets it and every later hold go. A test releases before the
-// FaultEnv goes away.
+// Release lets it and every later hold go, and returns once the held calls
+// have left. A test releases before the FaultEnv goes away.
 //
 // By default every thread's calls count. LimitToThisThread makes the rules
 // and counters see only the calling thread, so that a test's background
