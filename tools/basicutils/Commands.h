@@ -43,7 +43,6 @@ int RunFile(const Args& args);
 int RunSplit(const Args& args);
 int RunJoin(const Args& args);
 int RunInfo(const Args& args);
-// Overlapped files.
 int RunConcat(const Args& args);
 int RunSum(const Args& args);
 // A background task with a progress line, pumped from the main thread.
