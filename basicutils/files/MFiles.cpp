@@ -121,7 +121,7 @@ int MFiles::FOpen(file_open_t mode) {
     LList list;
     MFileUniv file;
     struct _stati64 status {};
-    if (file.FStat(spec, &status) == -1) {
+    if (file.FStat(spec, &status) == -1 && !FinishSwitch(spec.GetFilePath())) {
         Append(list, spec);  // nothing there: a new plain file
     } else {
         if (file.FOpen(spec, kOpenReadText) == -1) return -1;

@@ -42,6 +42,11 @@
 //     before its line is appended to the info file; a line goes out in one
 //     write and is synced. A killed roll-over or seek may leave an unlisted
 //     segment or P.cfx.new beside P; the next one replaces them.
+//   - where the file system has no hard links (FAT, exFAT), the whole info
+//     file is written and synced as P.cfx.new before P is renamed to P.cfx.0
+//     and P.cfx.new to P. A kill between the two renames leaves nothing at
+//     P; FOpen then finds P.cfx.new, a whole info file whose first segment
+//     exists, and renames it to P before it goes on.
 // After a power cut the info file and the names it lists are intact, but
 // segment data is only as durable as the system's write-back made it:
 // segments are not synced.
@@ -63,8 +68,10 @@
 //   - A failed FOpen (of any kind) leaves the object closed, its list empty.
 //   - FWrite answers what is on the file: a short first part ends the call
 //     without rolling over. A roll-over or growing seek that cannot make,
-//     open or list a new segment answers -1; a failed switch to an info
-//     file leaves the plain file and the object as they were.
+//     open or list a new segment answers -1, and a failed switch to an
+//     info file leaves the plain file and its names as they were. As after
+//     any failed move to another segment, the object then needs FClose and
+//     FOpen before it reads or writes again.
 //   - A write or seek that would need a 2,049th segment (no opening could
 //     read it back), or a roll-over with mMaxFileSize below 1, answers -1
 //     and makes nothing.
@@ -168,6 +175,11 @@ class BASICUTILS_EXPORT MFiles : public MFile {
     // file under its name. mCurrentFile is closed before the call.
     int DoSwitchToInfoFile();
     void DeleteAll();
+    // The switch where the file system has no second names for a file, and
+    // its end, for a switch that a killed process left between its renames:
+    // true when P.cfx.new, a whole info file, took the name `path`.
+    int SwitchWithoutLink(const MString& plain, const MString& first, const MString& text);
+    static bool FinishSwitch(const MString& path);
 
     LList mFileList;  // MFileSpecWin*, owned
     MFileUniv mCurrentFile;

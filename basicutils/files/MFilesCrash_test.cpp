@@ -52,16 +52,20 @@ int Play(const std::u16string& path, file_open_t mode, const std::vector<int>& s
 }
 
 TEST_F(MFilesTest, EveryKillPointOpensWithEveryAcknowledgedByte) {
-    const std::tuple<size_t, file_open_t, std::vector<int>> workloads[] = {
-        {0, kOpenWriteBinary, {60, 60, 150, 30}},  // writes roll over
-        {0, kOpenWriteBinary, {10, -250, 20}},     // a seek grows a plain file by segments
-        {0, kOpenWriteBinary, {150, -430, 5}},     // and a segmented one
-        {150, kOpenAppendBinary, {120, 100}},      // appending rolls over
+    // Bytes already in P, the opening mode, the steps, and whether the file
+    // system gives no hard links (FAT): link() then fails with EPERM.
+    const std::tuple<size_t, file_open_t, std::vector<int>, bool> workloads[] = {
+        {0, kOpenWriteBinary, {60, 60, 150, 30}, false},  // writes roll over
+        {0, kOpenWriteBinary, {10, -250, 20}, false},     // a seek grows a plain file
+        {0, kOpenWriteBinary, {150, -430, 5}, false},     // and a segmented one
+        {150, kOpenAppendBinary, {120, 100}, false},      // appending rolls over
+        {0, kOpenWriteBinary, {60, 60, 150}, true},
+        {0, kOpenWriteBinary, {10, -250, 20}, true},
     };
     NoSyncEnv quiet;
     ScopedEnv use(quiet);
     int killPoints = 0;
-    for (const auto& [before, mode, steps] : workloads) {
+    for (const auto& [before, mode, steps, noLinks] : workloads) {
         const std::vector<std::string> models = Models(before, steps);
         for (int point = 1;; ++point) {
             SCOPED_TRACE("killed before system call " + std::to_string(point));
@@ -76,6 +80,7 @@ TEST_F(MFilesTest, EveryKillPointOpensWithEveryAcknowledgedByte) {
             const testing::ChildEnd end = testing::RunInChild([&] {
                 FaultEnv faults(quiet);
                 faults.LimitToThisThread().KillAt(SysCall::kAny, point);
+                if (noLinks) faults.FailFrom(SysCall::kLink, 1, EPERM);
                 ScopedEnv kill(faults);
                 return Play(P(), mode, steps, models, acks);
             });

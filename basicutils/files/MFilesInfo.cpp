@@ -43,7 +43,7 @@ int WriteInfoText(const char16_t* path, file_open_t mode, const MString& text) {
 
 int ReplaceInfoFile(const char16_t* path, const MString& text) {
     MString beside(path);
-    beside += u".cfx.new";
+    beside += kSwitchExtension;
     if (WriteInfoText(beside, kOpenWriteText, text) == 0 && ReplaceName(beside, path) == 0)
         return 0;
     _wremove(beside);
@@ -134,12 +134,47 @@ int MFiles::DoSwitchToInfoFile() {
         text += detail::InfoLine(u"%s\n", SpecAt(i)->GetFilePath());
 
     _wremove(first);
-    const bool linked = detail::LinkName(plain, first) == 0;
-    if (linked && detail::ReplaceInfoFile(plain, text) == 0) return 0;
-    if (linked) _wremove(first);
+    bool switched;
+    if (detail::LinkName(plain, first) == 0) {
+        switched = detail::ReplaceInfoFile(plain, text) == 0;
+        if (!switched) _wremove(first);
+    } else {
+        switched = SwitchWithoutLink(plain, first, text) == 0;
+    }
+    if (switched) return 0;
     last->SetFilePathName(plain);
     mInfoFileSpec = before;
     return -1;
+}
+
+// Where the file system gives no second name (FAT, exFAT), the info file is
+// written whole and synced beside P before P moves to P.cfx.0 and the info
+// file takes its name. A process killed between the two renames leaves
+// nothing at P: FOpen finishes the switch.
+int MFiles::SwitchWithoutLink(const MString& plain, const MString& first, const MString& text) {
+    MString beside = plain;
+    beside += detail::kSwitchExtension;
+    int answer = detail::WriteInfoText(beside, kOpenWriteText, text) == 0 ? 0 : -1;
+    if (answer == 0 && _wrename(plain, first) != 0) answer = -1;
+    if (answer == 0 && detail::ReplaceName(beside, plain) != 0) {
+        _wrename(first, plain);
+        answer = -1;
+    }
+    if (answer != 0) _wremove(beside);
+    return answer;
+}
+
+bool MFiles::FinishSwitch(const MString& path) {
+    MString beside = path;
+    beside += detail::kSwitchExtension;
+    MFileUniv probe;
+    struct _stati64 status {};
+    if (probe.FStat(beside, &status) != 0) return false;
+    MFiles switched;
+    if (switched.FOpen(beside, kOpenReadBinary) != 0 || switched.GetInfoFilePath()[0] == 0)
+        return false;
+    switched.FClose();
+    return detail::ReplaceName(beside, path) == 0;
 }
 
 }  // namespace basicutils

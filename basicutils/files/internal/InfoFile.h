@@ -15,6 +15,8 @@ inline constexpr int kMaxSegments = 2048;
 // FGetts's half-limit for one line of the info file (up to 4,095 bytes).
 inline constexpr int kInfoLineLimit = 2048;
 inline constexpr char16_t kSegmentExtension[] = u".cfx";
+// The name behind P of the info file that is about to replace P.
+inline constexpr char16_t kSwitchExtension[] = u".cfx.new";
 
 inline bool IsInfoHeader(const char16_t* line) {
     return wcsncmp(line, kInfoHeader, kInfoHeaderTest) == 0;
