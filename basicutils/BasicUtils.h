@@ -70,6 +70,7 @@
 #include <basicutils/files/MFileSpec.h>
 #include <basicutils/files/MFileUniv.h>
 #include <basicutils/files/MFileWin.h>
+#include <basicutils/files/MFiles.h>
 #include <basicutils/files/PathNames.h>
 // tasks
 #include <basicutils/tasks/CIdleProcess.h>

@@ -39,6 +39,10 @@ int RunTimecode(const Args& args);
 int RunBits(const Args& args);
 int RunBytes(const Args& args);
 int RunFile(const Args& args);
+// Segmented files (SegmentsCommand.cpp).
+int RunSplit(const Args& args);
+int RunJoin(const Args& args);
+int RunInfo(const Args& args);
 int RunConcat(const Args& args);
 int RunSum(const Args& args);
 // A background task with a progress line, pumped from the main thread.

@@ -63,6 +63,23 @@ const Command kCommands[] = {
      "  rmtree DIR       deletes DIR and everything in it; stops at the first failure\n"
      "  A FIFO, a device or a folder where a file is expected is refused unopened.",
      RunFile},
+    {"split", nullptr, "copy a file or standard input into a segmented file",
+     "usage: basicutils split IN OUT --max SIZE\n"
+     "  Copies IN (- for standard input) into the logical file OUT, starting a new\n"
+     "  segment OUT.cfx.N each SIZE bytes (K, M, G: units of 1024), with a progress\n"
+     "  line on stderr. OUT must not exist. example: basicutils split movie.mpv\n"
+     "  /media/disc/movie.mpv --max 1G",
+     RunSplit},
+    {"join", nullptr, "read a segmented (or plain) file back as one",
+     "usage: basicutils join LOGICAL [OUT]\n"
+     "  Reads the logical file LOGICAL across its segments into OUT, or to stdout.",
+     RunJoin},
+    {"info", nullptr, "whether a file is segmented, its segments and their sizes",
+     "usage: basicutils info LOGICAL\n"
+     "  Says whether LOGICAL is a plain file or the info file of a segmented file,\n"
+     "  lists each segment with its size, and the total. Exits 1 when a segment is\n"
+     "  missing.",
+     RunInfo},
     {"concat", nullptr, "append whole files to one, each padded to a block, with progress",
      "usage: basicutils concat OUT IN... [--block SECTORS] [--offset BYTES]\n"
      "  Appends each IN to OUT in turn, each padded with zeros to a multiple of\n"

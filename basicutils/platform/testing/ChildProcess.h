@@ -1,5 +1,7 @@
-// Runs a function in a forked child and waits for it with a deadline, for
-// tests that kill a writer or run two writers at once.
+// Forked children for tests that kill a writer or run two writers at once:
+// ChildProcess keeps a child running beside the test; RunInChild runs a
+// function in a child and tells how the child ended. Both wait with a
+// deadline. Not installed: this lives in the test-support library.
 #pragma once
 
 #include <signal.h>
@@ -8,6 +10,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <functional>
 #include <thread>
 
 namespace basicutils::testing {
@@ -54,5 +57,16 @@ class ChildProcess {
     pid_t mPid;
     bool mReaped = false;
 };
+
+struct ChildEnd {
+    bool exited;  // the child returned from `body` (or called exit)
+    int status;   // its exit status when it exited
+    int signal;   // the signal that ended it otherwise (SIGKILL is 9)
+};
+
+// Forks; the child runs `body` and leaves with _Exit(its answer), skipping
+// the parent's atexit work. A child still running after `seconds` is killed
+// and reported as ended by that kill.
+ChildEnd RunInChild(const std::function<int()>& body, int seconds = 60);
 
 }  // namespace basicutils::testing
