@@ -5,7 +5,7 @@
 // under that path that lists its segments in order. The first write or seek
 // that has to pass mMaxFileSize turns a plain file P into the second form by
 // itself: P's bytes keep living as P.cfx.0, the info file takes the name P,
-// and the segments that follow are P.cfx.1, P.cfx.2... ("%s%s.%d": the info
+// and later segments get the numbers 1, 2... (P.cfx.1 first; "%s%s.%d": the info
 // file's path, ".cfx", the number of segments before the new one).
 //
 // The info file is 8-bit text in the system code page, newline "\n":
