@@ -9,8 +9,9 @@
 //   CatFiles                    cat a b ... > out
 //   CatFilesAndSync             the same, then sync out (the file on disk, as
 //                               FClose makes sure)
-//   ReadAhead/engine            a warm 1 GiB file through AsyncReadBuffer,
-//                               1 MiB copied out by each ReadBuffer
+//   ReadAhead/engine/MiB        a warm 1 GiB file through AsyncReadBuffer with
+//                               buffers of MiB, 1 MiB copied out by each
+//                               ReadBuffer
 //   CatToNull                   cat FILE > /dev/null
 //   SectorReads/engine/depth    FReadOverlapped of 1 MiB blocks, direct, with
 //                               `depth` reads in flight, the file dropped from
@@ -150,7 +151,7 @@ void ReadAhead(benchmark::State& state) {
             MFileUniv file;
             file.FOpen(Wide("big").c_str(), kOpenOverlappedRead);
             AsyncReadBuffer ring;
-            ring.InitReadBuffer(&file, 0, 4 * kBlock, 0);
+            ring.InitReadBuffer(&file, 0, static_cast<int>(state.range(1)) * kBlock, 0);
             for (int64_t at = 0; at < kBigSize;) {
                 const int n = ring.ReadBuffer(at, piece.data(), kBlock);
                 if (n <= 0) std::abort();
@@ -239,8 +240,11 @@ BENCHMARK(ConcatFiles)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(CatFiles)->UseManualTime()->Iterations(kRepeats)->Unit(benchmark::kMillisecond);
 BENCHMARK(CatFilesAndSync)->UseManualTime()->Iterations(kRepeats)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadAhead)->Arg(0)->Arg(1)->UseManualTime()->Iterations(kRepeats)->Unit(
-    benchmark::kMillisecond);
+BENCHMARK(ReadAhead)
+    ->ArgsProduct({{0, 1}, {1, 4}})
+    ->UseManualTime()
+    ->Iterations(kRepeats)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(CatToNull)->UseManualTime()->Iterations(kRepeats)->Unit(benchmark::kMillisecond);
 BENCHMARK(SectorReads)
     ->ArgsProduct({{0, 1}, {1, 8}})
