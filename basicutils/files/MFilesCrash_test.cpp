@@ -54,7 +54,12 @@ int Play(const std::u16string& path, file_open_t mode, const std::vector<int>& s
 TEST_F(MFilesTest, EveryKillPointOpensWithEveryAcknowledgedByte) {
     // Bytes already in P, the opening mode, the steps, and whether the file
     // system gives no hard links (FAT): link() then fails with EPERM.
-    const std::tuple<size_t, file_open_t, std::vector<int>, bool> workloads[] = {
+    const struct {
+        size_t before;
+        file_open_t mode;
+        std::vector<int> steps;
+        bool noLinks;
+    } workloads[] = {
         {0, kOpenWriteBinary, {60, 60, 150, 30}, false},  // writes roll over
         {0, kOpenWriteBinary, {10, -250, 20}, false},     // a seek grows a plain file
         {0, kOpenWriteBinary, {150, -430, 5}, false},     // and a segmented one
@@ -65,24 +70,24 @@ TEST_F(MFilesTest, EveryKillPointOpensWithEveryAcknowledgedByte) {
     NoSyncEnv quiet;
     ScopedEnv use(quiet);
     int killPoints = 0;
-    for (const auto& [before, mode, steps, noLinks] : workloads) {
-        const std::vector<std::string> models = Models(before, steps);
+    for (const auto& w : workloads) {
+        const std::vector<std::string> models = Models(w.before, w.steps);
         for (int point = 1;; ++point) {
             SCOPED_TRACE("killed before system call " + std::to_string(point));
             for (const auto& entry : fs::directory_iterator(mDir)) fs::remove(entry.path());
             MFiles setup;
             setup.SetMaxFileSize(100);
             ASSERT_EQ(setup.FOpen(P().c_str(), kOpenWriteBinary), 0);
-            ASSERT_EQ(setup.FWrite(std::string(models[0]).data(), static_cast<int>(before)),
-                      int(before));
+            ASSERT_EQ(setup.FWrite(std::string(models[0]).data(), static_cast<int>(w.before)),
+                      int(w.before));
             setup.FClose();
             std::FILE* acks = std::fopen((mDir / "acks").c_str(), "wb");
             const testing::ChildEnd end = testing::RunInChild([&] {
                 FaultEnv faults(quiet);
                 faults.LimitToThisThread().KillAt(SysCall::kAny, point);
-                if (noLinks) faults.FailFrom(SysCall::kLink, 1, EPERM);
+                if (w.noLinks) faults.FailFrom(SysCall::kLink, 1, EPERM);
                 ScopedEnv kill(faults);
-                return Play(P(), mode, steps, models, acks);
+                return Play(P(), w.mode, w.steps, models, acks);
             });
             std::fclose(acks);
             ASSERT_TRUE(end.exited ? end.status == 0 : end.signal == 9);
