@@ -42,10 +42,11 @@ struct AsyncTransfer {
     // Called once when the transfer ends: bytes moved, or -errno.
     void (*done)(AsyncTransfer* transfer, int64_t result) = nullptr;
     void* context = nullptr;  // the caller's, untouched
-    // The descriptor does direct I/O. io_uring starts such a transfer from
-    // the submitting thread without blocking it; any other goes to the
-    // kernel's workers, so that a copy through the page cache runs beside
-    // the caller instead of inside its submission.
+    // The descriptor does direct I/O. io_uring starts a direct read from the
+    // submitting thread, which the kernel does without blocking; every other
+    // transfer goes to the kernel's workers, so that a copy through the page
+    // cache runs beside the caller instead of inside its submission, and a
+    // direct write that must allocate blocks does not hold the caller up.
     bool direct = false;
 };
 

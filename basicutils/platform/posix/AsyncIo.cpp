@@ -273,7 +273,7 @@ class UringEngine final : public EngineBase {
         } else {
             io_uring_prep_read(sqe, t->fd, at, left, where);
         }
-        if (!t->direct) sqe->flags |= IOSQE_ASYNC;
+        if (!t->direct || t->write) sqe->flags |= IOSQE_ASYNC;
         io_uring_sqe_set_data(sqe, job);
         const int submitted = io_uring_submit(&mRing);
         if (submitted < 0) {
