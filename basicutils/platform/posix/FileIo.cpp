@@ -37,8 +37,8 @@ int FileObject::BufferedDescriptor() {
 void CancelTransfers(FileObject& file) {
     AsyncBackend& engine = TheAsyncBackend();
     engine.Cancel(file.Descriptor());
-    const int buffered = file.BufferedDescriptor();
-    if (buffered != file.Descriptor() && buffered >= 0) engine.Cancel(buffered);
+    const int buffered = file.OpenedBufferedDescriptor();
+    if (buffered >= 0) engine.Cancel(buffered);
 }
 
 namespace {

@@ -42,6 +42,8 @@ class FileObject final : public KernelObject {
     // cannot take (see FileIo.h); -1 when it cannot be opened. For any other
     // file the descriptor itself.
     int BufferedDescriptor();
+    // That descriptor if it was opened, else -1; opens nothing.
+    int OpenedBufferedDescriptor() const { return mBufferedFd.load(std::memory_order_acquire); }
 
   protected:
     ~FileObject() override;
