@@ -10,12 +10,12 @@
 // the 100 segments.
 //
 // The files go to the temporary folder (TMPDIR), which needs 8 GiB free, and
-// are removed at the end. Each write starts after a sync, so that neither
-// side waits for the other's write-back; with 4 GiB below the system's dirty
-// limit both then measure the way into the page cache, and reads come from
-// it too. Times are wall-clock; run with repetitions
-// (--benchmark_repetitions=3 --benchmark_enable_random_interleaving=true)
-// and compare medians.
+// are removed at the end. Each write and each read starts after a sync, so
+// that no run waits for, or competes with, an earlier run's write-back; with
+// 4 GiB below the system's dirty limit both writers then measure the way into
+// the page cache, and reads come from it too. Times are wall-clock; run with
+// repetitions (--benchmark_repetitions=5
+// --benchmark_enable_random_interleaving=true) and compare medians.
 #include <basicutils/files/MFileUniv.h>
 #include <basicutils/files/MFiles.h>
 #include <benchmark/benchmark.h>
@@ -132,6 +132,9 @@ void BM_MFilesRead(benchmark::State& state) {
     if (!fs::exists(Folder() / "mfiles") && !WriteLogical()) state.SkipWithError("write failed");
     std::unique_ptr<char[]> chunk(new char[kChunk]);
     for (auto _ : state) {
+        state.PauseTiming();
+        Shell(state, "sync");  // no write-back of an earlier run beside the reads
+        state.ResumeTiming();
         MFiles files;
         if (files.FOpen(Logical("mfiles").c_str(), kOpenReadBinary) != 0)
             state.SkipWithError("cannot open");
@@ -145,7 +148,12 @@ void BM_MFilesRead(benchmark::State& state) {
 void BM_DdRead(benchmark::State& state) {
     const std::string in = (Folder() / "dd").string();
     if (!fs::exists(in)) Shell(state, DdWrite());
-    for (auto _ : state) Shell(state, Dd("if='" + in + "' of=/dev/null"));
+    for (auto _ : state) {
+        state.PauseTiming();
+        Shell(state, "sync");
+        state.ResumeTiming();
+        Shell(state, Dd("if='" + in + "' of=/dev/null"));
+    }
     state.SetBytesProcessed(state.iterations() * kTotal);
 }
 
