@@ -7,11 +7,13 @@
 // and checked otherwise, which also serves the size query.
 #include <basicutils/platform/CodePage.h>
 #include <basicutils/platform/Errors.h>
+#include <basicutils/platform/internal/Utf8.h>
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 namespace basicutils {
@@ -108,54 +110,21 @@ Status DecodeUtf8(const unsigned char* s, size_t n, char16_t* dst, size_t cap, b
             i += 2;
             continue;
         }
-        // The allowed range of the second byte and the sequence length.
-        unsigned char lo = 0x80, hi = 0xBF;
-        int need;
-        uint32_t cp;
-        if (b >= 0xC2 && b <= 0xDF) {
-            need = 1;
-            cp = b & 0x1F;
-        } else if (b >= 0xE0 && b <= 0xEF) {
-            need = 2;
-            cp = b & 0x0F;
-            if (b == 0xE0) lo = 0xA0;
-            if (b == 0xED) hi = 0x9F;
-        } else if (b >= 0xF0 && b <= 0xF4) {
-            need = 3;
-            cp = b & 0x07;
-            if (b == 0xF0) lo = 0x90;
-            if (b == 0xF4) hi = 0x8F;
-        } else {
+        // Three- and four-byte sequences, and every invalid one: an invalid
+        // sequence's maximal subpart (the lead and the continuations valid so
+        // far) makes one replacement, and the byte that broke it is read
+        // again as a fresh start.
+        char32_t cp;
+        bool valid;
+        const size_t length = detail::DecodeUtf8(
+            std::string_view(reinterpret_cast<const char*>(s + i), n - i), cp, valid);
+        if (!valid) {
             if (strict) return Status::kInvalid;
             Put16<Checked>(dst, cap, out, kReplacement);
-            ++i;
+            i += length;
             continue;
         }
-        size_t j = i + 1;
-        bool ok = true;
-        for (int k = 0; k < need; ++k, ++j) {
-            if (j >= n) {
-                ok = false;
-                break;
-            }
-            unsigned char c = s[j];
-            bool inRange = k == 0 ? (c >= lo && c <= hi) : IsContinuation(c);
-            if (!inRange) {
-                ok = false;
-                break;
-            }
-            cp = (cp << 6) | (c & 0x3F);
-        }
-        if (!ok) {
-            // The maximal subpart: the lead and the continuations that were
-            // valid so far make one replacement; the byte that broke the
-            // sequence is read again as a fresh start.
-            if (strict) return Status::kInvalid;
-            Put16<Checked>(dst, cap, out, kReplacement);
-            i = j;
-            continue;
-        }
-        i = j;
+        i += length;
         if (cp >= 0x10000) {
             cp -= 0x10000;
             Put16<Checked>(dst, cap, out, static_cast<char16_t>(0xD800 + (cp >> 10)));
