@@ -120,17 +120,17 @@ TEST_F(AsyncReadBufferTest, EachFailureHasItsAnswerReportsAndState) {
         int pendingBytes;
         int64_t recover;  // a position read afterwards; -1: none
     } cases[] = {
+        // clang-format off
         {SysCall::kMmap, 1, kOnce, kInitAt, 0, -1, -2, -1, false, false, 0, -1},
         {SysCall::kMmap, 2, kOnce, kInitAt, 0, -1, -2, -1, false, false, 0, -1},
         {SysCall::kAsyncSubmit, 1, kFrom, kInitAt, 3 * 2048 + 5, -1, -3, 3, false, false, 0, -1},
         {SysCall::kAsyncComplete, 1, kShort, kInitAt, 0, -1, -3, -1, false, false, 0, -1},
         {SysCall::kAny, 0, kOnce, kInitAt, 3 * kSize, -1, -4, -1, true, false, 0, -1},
-        {SysCall::kAsyncComplete, 2, kHold, kFillWithoutEvent, 0, -1, -1, -1, true, true, kSize,
-         kSize + 5},
+        {SysCall::kAsyncComplete, 2, kHold, kFillWithoutEvent, 0, -1, -1, -1, true, true, kSize, kSize + 5},
         {SysCall::kAsyncSubmit, 3, kFrom, kRead, kSize, -1, -1, 8, true, true, 0, 2 * kSize + 5},
         {SysCall::kAsyncComplete, 2, kOnce, kRead, kSize - 2, -1, -1, -1, true, true, 0, kSize + 5},
-        {SysCall::kAsyncSubmit, 4, kFrom, kRead, 2048, kSize, -1, 1, true, true, kSize,
-         2 * kSize + 5},
+        {SysCall::kAsyncSubmit, 4, kFrom, kRead, 2048, kSize, -1, 1, true, true, kSize, 2 * kSize + 5},
+        // clang-format on
     };
     char out[16];
     for (const Case& c : cases) {
