@@ -1,10 +1,9 @@
-// The read-ahead ring on real files: sizes around sectors and buffers read
-// in several step sizes, reads behind, across and ahead of the ring, reads
-// in flight at re-initialisation and destruction, and every failure.
+// The read-ahead ring on real files: where the ring stands after reads
+// behind, across and ahead of it, reads in flight at re-initialisation and
+// destruction, and every failure. The bytes each read delivers are checked
+// against the file in fuzz/AsyncReadBuffer_fuzz.cpp.
 #include <basicutils/files/AsyncReadBuffer.h>
 #include <basicutils/platform/Sync.h>
-
-#include <functional>
 
 #include "OverlappedTest_test.h"
 
@@ -40,33 +39,6 @@ class AsyncReadBufferTest : public filestest::TempDirTest {
     }
     MFileUniv mFile;
 };
-
-TEST_F(AsyncReadBufferTest, SequentialReadsDeliverTheFileByteForByte) {
-    const size_t sizes[] = {1, 2047, 2048, 2049, kSize, kSize * 3 / 2, kSize * 5 / 2};
-    for (size_t size : sizes) {
-        for (int64_t start : {0, 5}) {
-            for (int step : {1000, kSize / 2, kSize, 3 * kSize}) {
-                SCOPED_TRACE(std::to_string(size) + " " + std::to_string(start) + " " +
-                             std::to_string(step));
-                if (start >= static_cast<int64_t>(size)) continue;
-                const std::string data = Open(size);
-                Ring ring;
-                ASSERT_EQ(ring.InitReadBuffer(&mFile, start, kSize, 0), 0);
-                std::string got;
-                std::vector<char> piece(static_cast<size_t>(step));
-                for (int64_t at = start;;) {
-                    const int n = ring.ReadBuffer(at, piece.data(), step);
-                    ASSERT_GE(n, 0);
-                    if (n == 0) break;
-                    got.append(piece.data(), static_cast<size_t>(n));
-                    at += n;
-                }
-                EXPECT_TRUE(got == data.substr(static_cast<size_t>(start)));
-                mFile.FClose();
-            }
-        }
-    }
-}
 
 TEST_F(AsyncReadBufferTest, ReadsBehindAcrossAndAheadOfTheRing) {
     const std::string data = Open(kSize * 6 + 100);
@@ -134,134 +106,74 @@ TEST_F(AsyncReadBufferTest, ReadsInFlightEndBeforeTheirBuffersGo) {
 // ring's recovery once the system behaves again.
 TEST_F(AsyncReadBufferTest, EachFailureHasItsAnswerReportsAndState) {
     const std::string data = Open(kSize * 3);
-    char out[16];
-    auto from = [](FaultEnv& f, SysCall call) {  // every call of the kind from now on
-        f.FailFrom(call, f.Count(call) + 1, EIO);
-    };
-    auto settled = [](Ring& r) {  // the read-ahead has ended
-        for (int i = 0; i < 10000 && !HasOverlappedIoCompleted(&r.mOverlapped); ++i) SleepEx(1, 0);
-    };
-    using Heard = std::vector<std::pair<int32_t, std::u16string>>;
-    auto pair = [](int sector) {
-        MString retry, failed;
-        retry.Format(u"Retry ReadFile at sector %d due to Win32 error 1117 ...", sector);
-        failed.Format(u"ReadFile at sector %d failed, Win32 error 1117", sector);
-        return Heard{{filestest::kWarningReport, static_cast<const char16_t*>(retry)},
-                     {filestest::kErrorReport, static_cast<const char16_t*>(failed)}};
-    };
+    enum Fault { kOnce, kFrom, kShort, kHold };
+    enum Act { kInitAt, kRead, kFillWithoutEvent };
     struct Case {
-        const char* name;
-        std::function<int(Ring&, FaultEnv&)> run;
+        SysCall call;
+        int nth;
+        Fault fault;
+        Act act;
+        int64_t at, before;  // kInitAt: the start; kRead: the position, and one read before
         int answer;
-        Heard reports;
+        int sector;             // of the two reports of a refused read; -1: no report
         bool buffers, pending;  // afterwards
         int pendingBytes;
         int64_t recover;  // a position read afterwards; -1: none
     } cases[] = {
-        {"no memory",
-         [&](Ring& r, FaultEnv& f) {
-             f.FailNth(SysCall::kMmap, 1, ENOMEM);
-             return r.InitReadBuffer(&mFile, 0, kSize, 0);
-         },
-         -2,
-         {},
-         false,
-         false,
-         0,
-         -1},
-        {"no second buffer",
-         [&](Ring& r, FaultEnv& f) {
-             f.FailNth(SysCall::kMmap, 2, ENOMEM);
-             return r.InitReadBuffer(&mFile, 0, kSize, 0);
-         },
-         -2,
-         {},
-         false,
-         false,
-         0,
-         -1},
-        {"first read refused",
-         [&](Ring& r, FaultEnv& f) {
-             from(f, SysCall::kAsyncSubmit);
-             return r.InitReadBuffer(&mFile, 3 * 2048 + 5, kSize, 0);
-         },
-         -3, pair(3), false, false, 0, -1},
-        {"first read short",
-         [&](Ring& r, FaultEnv& f) {
-             f.ShortNth(SysCall::kAsyncComplete, 1);
-             return r.InitReadBuffer(&mFile, 0, kSize, 0);
-         },
-         -3,
-         {},
-         false,
-         false,
-         0,
-         -1},
-        {"start at the end",
-         [&](Ring& r, FaultEnv&) { return r.InitReadBuffer(&mFile, 3 * kSize, kSize, 0); },
-         -4,
-         {},
-         true,
-         false,
-         0,
-         -1},
-        {"wait fails",
-         [&](Ring& r, FaultEnv& f) {
-             f.HoldNth(SysCall::kAsyncComplete, 2);
-             r.InitReadBuffer(&mFile, 0, kSize, 0);
-             void* event = r.mEvent;
-             r.mEvent = &r;  // no event: the wait fails
-             int filled = 7;
-             const int answer = r.FillInReadBuffer(filled);
-             r.mEvent = event;
-             f.Release();
-             return filled == 0 ? answer : 99;
-         },
-         -1,
-         {},
-         true,
-         true,
-         kSize,
-         kSize + 5},
-        {"next read refused",
-         [&](Ring& r, FaultEnv& f) {
-             r.InitReadBuffer(&mFile, 0, kSize, 0);
-             from(f, SysCall::kAsyncSubmit);
-             return r.ReadBuffer(kSize, out, 10);
-         },
-         -1, pair(8), true, true, 0, 2 * kSize + 5},
-        {"read-ahead fails",
-         [&](Ring& r, FaultEnv& f) {
-             f.FailNth(SysCall::kAsyncComplete, 2, EIO);
-             r.InitReadBuffer(&mFile, 0, kSize, 0);
-             return r.ReadBuffer(kSize - 2, out, 10);
-         },
-         -1,
-         {},
-         true,
-         true,
-         0,
-         kSize + 5},
-        {"read behind refused",
-         [&](Ring& r, FaultEnv& f) {
-             r.InitReadBuffer(&mFile, 0, kSize, 0);
-             r.ReadBuffer(kSize, out, 10);
-             settled(r);
-             from(f, SysCall::kAsyncSubmit);
-             return r.ReadBuffer(2048, out, 10);
-         },
-         -1, pair(1), true, true, kSize, 2 * kSize + 5},
+        // clang-format off
+        {SysCall::kMmap, 1, kOnce, kInitAt, 0, -1, -2, -1, false, false, 0, -1},
+        {SysCall::kMmap, 2, kOnce, kInitAt, 0, -1, -2, -1, false, false, 0, -1},
+        {SysCall::kAsyncSubmit, 1, kFrom, kInitAt, 3 * 2048 + 5, -1, -3, 3, false, false, 0, -1},
+        {SysCall::kAsyncComplete, 1, kShort, kInitAt, 0, -1, -3, -1, false, false, 0, -1},
+        {SysCall::kAny, 0, kOnce, kInitAt, 3 * kSize, -1, -4, -1, true, false, 0, -1},
+        {SysCall::kAsyncComplete, 2, kHold, kFillWithoutEvent, 0, -1, -1, -1, true, true, kSize, kSize + 5},
+        {SysCall::kAsyncSubmit, 3, kFrom, kRead, kSize, -1, -1, 8, true, true, 0, 2 * kSize + 5},
+        {SysCall::kAsyncComplete, 2, kOnce, kRead, kSize - 2, -1, -1, -1, true, true, 0, kSize + 5},
+        {SysCall::kAsyncSubmit, 4, kFrom, kRead, 2048, kSize, -1, 1, true, true, kSize, 2 * kSize + 5},
+        // clang-format on
     };
+    char out[16];
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(static_cast<int>(&c - cases));
         Ring ring;
         Reports reports;
         {
             FaultEnv faults;
             ScopedEnv use(faults);
-            EXPECT_EQ(c.run(ring, faults), c.answer);
+            const int error = c.call == SysCall::kMmap ? ENOMEM : EIO;
+            if (c.fault == kOnce && c.call != SysCall::kAny) faults.FailNth(c.call, c.nth, error);
+            if (c.fault == kFrom) faults.FailFrom(c.call, c.nth, EIO);
+            if (c.fault == kShort) faults.ShortNth(c.call, c.nth);
+            if (c.fault == kHold) faults.HoldNth(c.call, c.nth);
+            int answer;
+            if (c.act == kInitAt) {
+                answer = ring.InitReadBuffer(&mFile, c.at, kSize, 0);
+            } else {
+                ASSERT_EQ(ring.InitReadBuffer(&mFile, 0, kSize, 0), 0);
+                if (c.before >= 0) ring.ReadBuffer(c.before, out, 10);
+                if (c.act == kRead) {
+                    answer = ring.ReadBuffer(c.at, out, 10);
+                } else {
+                    void* event = ring.mEvent;
+                    ring.mEvent = &ring;  // not an event: the wait fails
+                    int filled = 7;
+                    answer = ring.FillInReadBuffer(filled);
+                    EXPECT_EQ(filled, 0);
+                    ring.mEvent = event;
+                    faults.Release();
+                }
+            }
+            EXPECT_EQ(answer, c.answer);
         }
-        EXPECT_EQ(reports.heard, c.reports);
+        std::vector<std::pair<int32_t, std::u16string>> expected;
+        if (c.sector >= 0) {
+            MString retry, failed;
+            retry.Format(u"Retry ReadFile at sector %d due to Win32 error 1117 ...", c.sector);
+            failed.Format(u"ReadFile at sector %d failed, Win32 error 1117", c.sector);
+            expected = {{filestest::kWarningReport, static_cast<const char16_t*>(retry)},
+                        {filestest::kErrorReport, static_cast<const char16_t*>(failed)}};
+        }
+        EXPECT_EQ(reports.heard, expected);
         EXPECT_EQ(ring.mBufferOne != nullptr, c.buffers);
         EXPECT_EQ(ring.mReadPending, c.pending);
         EXPECT_EQ(ring.mPendingBytes, c.pendingBytes);

@@ -1,6 +1,8 @@
 // The recursive delete on real trees and its two reports, and the directory
-// value's disk queries. The tail helpers are checked in fuzz/PathHelpers_fuzz.cpp.
+// value's disk queries. The tail helpers and the name splitters are checked
+// in fuzz/PathHelpers_fuzz.cpp; here only their answers to a null path.
 #include <basicutils/files/MDirectory.h>
+#include <basicutils/files/PathNames.h>
 
 #include "FilesTest_test.h"
 
@@ -31,6 +33,8 @@ TEST_F(MDirectoryTest, DeletesATreeButNeverFollowsALink) {
     EXPECT_EQ(DeleteDirectory(WPath("tree").c_str()), 0);  // missing counts as deleted
     EXPECT_EQ(DeleteDirectory(nullptr), -1);
     EXPECT_EQ(DeleteDirectory(u""), -1);
+    EXPECT_EQ(std::u16string(dirname(static_cast<char16_t*>(nullptr))), u".");
+    EXPECT_EQ(std::string(basicutils::basename(static_cast<char*>(nullptr))), ".");
     EXPECT_TRUE(reports.heard.empty());
 }
 

@@ -14,6 +14,7 @@ TEST_F(MFileUnivFaultTest, EachFailureHasItsAnswerReportAndChannel) {
     char buffer[16] = "0123456789";
     char16_t line[32] = {};
     using Run = std::function<int64_t(MFileUniv&)>;
+    constexpr auto kNone = static_cast<file_open_t>(-1);
     struct Case {
         file_open_t mode;  // of the file holding kText; -1: not opened
         SysCall call;
@@ -24,31 +25,17 @@ TEST_F(MFileUnivFaultTest, EachFailureHasItsAnswerReportAndChannel) {
         std::string stderrText;
         bool emptied = false;  // the mode empties the file
     } cases[] = {
-        {static_cast<file_open_t>(-1), SysCall::kOpen, EACCES,
-         [](MFileUniv& f) { return f.FOpen(kOpenReadBinary); }, -1, u"",
-         "ERROR: Permission denied\n"},
-        {static_cast<file_open_t>(-1), SysCall::kOpen, EMFILE,
-         [](MFileUniv& f) { return f.FOpen(kOpenOverlappedCreate); }, -1, u"", ""},
-        {kOpenReadBinary, SysCall::kRead, EIO, [&](MFileUniv& f) { return f.FRead(buffer, 4); }, -1,
-         u"Read file error(Input/output error) (MFileUniv::FRead)", ""},
-        {kOpenReadBinary, SysCall::kRead, EIO,
-         [&](MFileUniv& f) { return f.FReadVoid(buffer, 1, 4); }, 0,
-         u"Read file error(Input/output error) (MFileUniv::FReadVoid)", ""},
-        {kOpenReadBinary, SysCall::kRead, EIO, [&](MFileUniv& f) { return f.FGetts(line, 8); }, -1,
-         u"", ""},
-        {kOpenWriteBinary, SysCall::kWrite, ENOSPC,
-         [&](MFileUniv& f) { return f.FWrite(buffer, 10); }, -1, u"", "", true},
-        {kOpenWriteBinary, SysCall::kWrite, ENOSPC,
-         [&](MFileUniv& f) {
-             f.FWriteVoid(buffer, 1, 10);
-             f.FClose();
-             return 0;
-         },
-         0, u"Close file error(No space left on device) in MFileUniv::FClose", "", true},
-        {kOpenReadBinary, SysCall::kStat, EIO, [](MFileUniv& f) { return f.GetSize(); }, -1, u"",
-         ""},
-        {kOpenUpdateBinary, SysCall::kFtruncate, EIO,
-         [](MFileUniv& f) { return f.FSetEndOfFile(); }, -1, u"", ""},
+        // clang-format off
+        {kNone, SysCall::kOpen, EACCES, [](MFileUniv& f) { return f.FOpen(kOpenReadBinary); }, -1, u"", "ERROR: Permission denied\n"},
+        {kNone, SysCall::kOpen, EMFILE, [](MFileUniv& f) { return f.FOpen(kOpenOverlappedCreate); }, -1, u"", ""},
+        {kOpenReadBinary, SysCall::kRead, EIO, [&](MFileUniv& f) { return f.FRead(buffer, 4); }, -1, u"Read file error(Input/output error) (MFileUniv::FRead)", ""},
+        {kOpenReadBinary, SysCall::kRead, EIO, [&](MFileUniv& f) { return f.FReadVoid(buffer, 1, 4); }, 0, u"Read file error(Input/output error) (MFileUniv::FReadVoid)", ""},
+        {kOpenReadBinary, SysCall::kRead, EIO, [&](MFileUniv& f) { return f.FGetts(line, 8); }, -1, u"", ""},
+        {kOpenWriteBinary, SysCall::kWrite, ENOSPC, [&](MFileUniv& f) { return f.FWrite(buffer, 10); }, -1, u"", "", true},
+        {kOpenWriteBinary, SysCall::kWrite, ENOSPC, [&](MFileUniv& f) { f.FWriteVoid(buffer, 1, 10); f.FClose(); return 0; }, 0, u"Close file error(No space left on device) in MFileUniv::FClose", "", true},
+        {kOpenReadBinary, SysCall::kStat, EIO, [](MFileUniv& f) { return f.GetSize(); }, -1, u"", ""},
+        {kOpenUpdateBinary, SysCall::kFtruncate, EIO, [](MFileUniv& f) { return f.FSetEndOfFile(); }, -1, u"", ""},
+        // clang-format on
     };
     for (const Case& c : cases) {
         Write("f", kText);

@@ -5,8 +5,6 @@
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/VirtualMemory.h>
 
-#include <functional>
-
 #include "OverlappedTest_test.h"
 
 namespace basicutils {
@@ -131,117 +129,77 @@ TEST_F(OverlappedTest, CancelledRunKeepsItsLastWriteAndLeavesNothingInFlight) {
 
 TEST_F(OverlappedTest, EachFailureHasItsAnswerAndReport) {
     Write("in", Pattern(5000));
-    const std::u16string ioText =
+    const std::u16string io =
         u"The request could not be performed because of an I/O device error.\r\n";
+    const std::u16string retry = u"Retry ReadFile at sector 2 due to Win32 error 1117 ...";
+    enum Run { kRead, kWrite, kInit, kConcat, kConcatMissing, kBlock };
+    enum Fault { kFailOnce, kFailAll, kShort };
     struct Case {
-        const char* name;
-        std::function<void(FaultEnv&)> faults;
-        std::function<int64_t(OpenFile&)> run;
-        int64_t expected;
-        std::vector<std::pair<int32_t, std::u16string>> reports;
-    } cases[] = {
-        {"read retried",
-         [](FaultEnv& f) { f.FailNth(SysCall::kAsyncSubmit, 1, EIO); },
-         [&](OpenFile& f) {
-             OVERLAPPED o;
-             const uint32_t r = f.FReadOverlapped(5000, mBlock + 4096, 10, &o, mEvent);
-             f.FWaitOverlappedCompletion(mEvent, 10);
-             return r;
-         },
-         0,
-         {{kWarningReport, u"Retry ReadFile at sector 2 due to Win32 error 1117 ..."}}},
-        {"read failed",
-         [](FaultEnv& f) { f.FailFrom(SysCall::kAsyncSubmit, 1, EIO); },
-         [&](OpenFile& f) {
-             OVERLAPPED o;
-             return f.FReadOverlapped(5000, mBlock + 4096, 10, &o, mEvent);
-         },
-         ERROR_IO_DEVICE,
-         {{kWarningReport, u"Retry ReadFile at sector 2 due to Win32 error 1117 ..."},
-          {kErrorReport, u"ReadFile at sector 2 failed, Win32 error 1117"}}},
-        {"write failed",
-         [](FaultEnv& f) { f.FailFrom(SysCall::kAsyncSubmit, 1, EIO); },
-         [&](OpenFile& f) {
-             OVERLAPPED o;
-             return f.FWriteOverlapped(4096, mBlock, 2048, &o, mEvent);
-         },
-         ERROR_IO_DEVICE,
-         {{kErrorReport, u"WriteFile failed at sector 2, error 1117"}}},
-        {"no memory",
-         [](FaultEnv& f) { f.FailNth(SysCall::kMmap, 1, ENOMEM); },
-         [](OpenFile& f) { return f.ConcatInitialize(2048, 0) * 1000 + f.mConcat.mLastError; },
-         -1000 + ERROR_NOT_ENOUGH_MEMORY,
-         {}},
-        {"no second buffer",
-         [](FaultEnv& f) { f.FailNth(SysCall::kMmap, 2, ENOMEM); },
-         [](OpenFile& f) {
-             return f.ConcatInitialize(2048, 0) * 1000 + (f.mConcat.mBufferA != nullptr);
-         },
-         -1000,
-         {}},
-        {"missing source",
-         [](FaultEnv&) {},
-         [&](OpenFile& f) {
-             bool cancel = false;
-             f.ConcatInitialize(2048, 0);
-             return f.ConcatFile(WPath("missing").c_str(), 0, cancel, 0);
-         },
-         -1,
-         {}},
-        {"size unreadable",
-         [](FaultEnv& f) { f.FailNth(SysCall::kFstat, 2, EIO); },
-         [&](OpenFile& f) {
-             bool cancel = false;
-             f.ConcatInitialize(2048, 0);
-             return f.ConcatFile(WPath("in").c_str(), 0, cancel, 0);
-         },
-         ERROR_IO_DEVICE,
-         {}},
-    };
-    struct Transfer {
-        const char* name;
+        Run run;
         SysCall call;
         int nth;
-        bool shortened;
-        std::u16string report;  // empty for the synchronous block
-    } transfers[] = {
-        {"read not started", SysCall::kAsyncSubmit, 1, false, ioText},
-        {"read failed", SysCall::kAsyncComplete, 1, false, ioText},
-        {"write failed", SysCall::kAsyncComplete, 2, false, ioText},
-        {"read short", SysCall::kAsyncComplete, 1, true, u"Reached the end of the file.\r\n"},
-        {"write short", SysCall::kAsyncComplete, 2, true,
-         u"There is not enough space on the disk.\r\n"},
-        {"block failed", SysCall::kAsyncComplete, 1, false, u""},
+        Fault fault;
+        int64_t expected;  // kInit: the answer * 1000 + mLastError
+        std::vector<std::pair<int32_t, std::u16string>> reports;
+    } cases[] = {
+        // clang-format off
+        {kRead, SysCall::kAsyncSubmit, 1, kFailOnce, 0, {{kWarningReport, retry}}},
+        {kRead, SysCall::kAsyncSubmit, 1, kFailAll, ERROR_IO_DEVICE, {{kWarningReport, retry}, {kErrorReport, u"ReadFile at sector 2 failed, Win32 error 1117"}}},
+        {kWrite, SysCall::kAsyncSubmit, 1, kFailAll, ERROR_IO_DEVICE, {{kErrorReport, u"WriteFile failed at sector 2, error 1117"}}},
+        {kInit, SysCall::kMmap, 1, kFailOnce, -1000 + ERROR_NOT_ENOUGH_MEMORY, {}},
+        {kInit, SysCall::kMmap, 2, kFailOnce, -1000 + ERROR_NOT_ENOUGH_MEMORY, {}},
+        {kConcatMissing, SysCall::kAny, 0, kFailOnce, -1, {}},
+        {kConcat, SysCall::kFstat, 2, kFailOnce, ERROR_IO_DEVICE, {}},  // the size
+        {kConcat, SysCall::kAsyncSubmit, 1, kFailOnce, -1, {{kErrorReport, io}}},
+        {kConcat, SysCall::kAsyncComplete, 1, kFailOnce, -1, {{kErrorReport, io}}},  // the read
+        {kConcat, SysCall::kAsyncComplete, 2, kFailOnce, -1, {{kErrorReport, io}}},  // the write
+        {kConcat, SysCall::kAsyncComplete, 1, kShort, -1, {{kErrorReport, u"Reached the end of the file.\r\n"}}},
+        {kConcat, SysCall::kAsyncComplete, 2, kShort, -1, {{kErrorReport, u"There is not enough space on the disk.\r\n"}}},
+        {kBlock, SysCall::kAsyncComplete, 1, kFailOnce, -1, {}},
+        // clang-format on
     };
-    std::vector<Case> all(std::begin(cases), std::end(cases));
-    for (const Transfer& t : transfers) {
-        const bool block = t.report.empty();
-        all.push_back({t.name,
-                       [t](FaultEnv& f) {
-                           t.shortened ? f.ShortNth(t.call, t.nth) : f.FailNth(t.call, t.nth, EIO);
-                       },
-                       [&, block](OpenFile& f) -> int64_t {
-                           if (f.ConcatInitialize(2048, 0) != 0) return 1;
-                           bool cancel = false;
-                           return block ? f.ConcatBufferSynchronously(mBlock, 5000)
-                                        : f.ConcatFile(WPath("in").c_str(), 0, cancel, 0);
-                       },
-                       -1,
-                       block ? decltype(Case::reports){}
-                             : decltype(Case::reports){{kErrorReport, t.report}}});
-    }
-    for (const Case& c : all) {
-        SCOPED_TRACE(c.name);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(static_cast<int>(&c - cases));
         OpenFile file;
         Write("out", Pattern(8192));
         ASSERT_EQ(file.FOpen(WPath("out").c_str(), kOpenOverlappedReadWrite), 0);
+        if (c.run >= kConcat) {
+            ASSERT_EQ(file.ConcatInitialize(2048, 0), 0);
+        }
         Reports reports;
         FaultEnv faults;
-        c.faults(faults);
+        if (c.fault == kShort) faults.ShortNth(c.call, c.nth);
+        const int error = c.call == SysCall::kMmap ? ENOMEM : EIO;
+        if (c.fault == kFailOnce && c.call != SysCall::kAny) faults.FailNth(c.call, c.nth, error);
+        if (c.fault == kFailAll) faults.FailFrom(c.call, c.nth, EIO);
+        int64_t answer = 0;
         {
             ScopedEnv use(faults);
-            EXPECT_EQ(c.run(file), c.expected);
+            OVERLAPPED o;
+            bool cancel = false;
+            switch (c.run) {
+                case kRead:
+                    answer = file.FReadOverlapped(5000, mBlock + 4096, 10, &o, mEvent);
+                    if (answer == 0) file.FWaitOverlappedCompletion(mEvent, 10);
+                    break;
+                case kWrite:
+                    answer = file.FWriteOverlapped(4096, mBlock, 2048, &o, mEvent);
+                    break;
+                case kInit:
+                    answer = file.ConcatInitialize(2048, 0) * 1000 + file.mConcat.mLastError;
+                    EXPECT_EQ(file.mConcat.mBufferA, nullptr);  // none kept
+                    break;
+                case kConcat:
+                case kConcatMissing:
+                    answer = file.ConcatFile(WPath(c.run == kConcat ? "in" : "missing").c_str(), 0,
+                                             cancel, 0);
+                    break;
+                case kBlock:
+                    answer = file.ConcatBufferSynchronously(mBlock, 5000);
+                    break;
+            }
         }
+        EXPECT_EQ(answer, c.expected);
         EXPECT_EQ(reports.heard, c.reports);
     }
 }

@@ -1,56 +1,30 @@
-// The info file on real files: how what lies at a path opens, the writers'
-// exact bytes, and the status, sizes, moving and deletion of a logical file.
+// The info file on real files: how a path opens, the writers' exact bytes,
+// and the status, sizes, moving and deletion of a logical file.
 #include "MFilesTest_test.h"
 
 namespace basicutils::filestest {
 namespace {
 
-// In the texts '@' stands for the test folder and a slash, and "?" for
-// nothing at P; the segments opened are given with '|' between them.
+// What an existing P holds is read against a model in fuzz/InfoFile_fuzz.cpp;
+// here what it does not reach: nothing at P, the segment opened first, and
+// the limit of 2,048 paths.
 TEST_F(MFilesTest, WhatAPathHoldsDecidesHowItOpens) {
-    const std::tuple<std::string, file_open_t, const char*, bool> cases[] = {
-        {"?", kOpenReadBinary, "", false},     // answers -1, stays closed
-        {"?", kOpenWriteBinary, "@P", false},  // a new plain file
-        {"", kOpenReadBinary, "@P", false},
-        {"# Velmorant c_files\n@s\n", kOpenReadBinary, "@s", true},
-        {"# Velmorant c_files  \r\n@s\r\n@t\r\n", kOpenReadBinary, "@s|@t", true},
-        {std::string("\0\0\x01\xba", 4) + std::string(40, 'U') + "\n", kOpenReadBinary, "@P",
-         false},
-        {"# velmorant c_files \n@s\n", kOpenReadBinary, "@P", false},
-        {"# Velmorant c_files \n", kOpenReadBinary, "", true},  // no path: -1
-        {"# Velmorant c_files \n@s\n#@u\n@t\n", kOpenReadBinary, "@s|@t", true},
-        {"# Velmorant c_files \n@s\n@t \n\n@s\n", kOpenReadBinary, "@s|@t ||@s", true},
-    };
-    const std::string dir = mDir.string() + "/";
-    auto place = [&](std::string text) {
-        for (size_t at; (at = text.find('@')) != std::string::npos;) text.replace(at, 1, dir);
-        return text;
-    };
+    MFiles missing, created;
+    EXPECT_EQ(missing.FOpen(P().c_str(), kOpenReadBinary), -1);
+    EXPECT_EQ(missing.GetFileNum() - missing.GetCurrentFileNum(), 1) << "stays closed: 0 and -1";
+    EXPECT_EQ(created.FOpen(P().c_str(), kOpenWriteBinary), 0);  // a new plain file
+    EXPECT_EQ(created.GetFileNum() + created.GetCurrentFileNum(), 2);
+    EXPECT_EQ(std::u16string(created.GetInfoFilePath()), u"");
+    created.FClose();
     Write("s", "segment");
-    for (const auto& [text, mode, segments, info] : cases) {
-        SCOPED_TRACE(text);
-        fs::remove(mDir / "P");
-        if (text != "?") Write("P", place(text));
-        const std::vector<std::string> paths = Split(segments, '|');
-        MFiles files;
-        EXPECT_EQ(files.FOpen(P().c_str(), mode), paths.empty() ? -1 : 0);
-        ASSERT_EQ(files.GetFileNum(), static_cast<int>(paths.size()));
-        EXPECT_EQ(files.GetCurrentFileNum(), paths.empty() ? -1 : 1);
-        for (size_t i = 0; i < paths.size(); ++i) {
-            MFileSpecWin* spec = nullptr;
-            files.GetFileNames()->FetchItemAt(static_cast<int32_t>(i + 1), &spec);
-            EXPECT_EQ(std::u16string(spec->GetFilePath()), fs::path(place(paths[i])).u16string());
-        }
-        EXPECT_EQ(std::u16string(files.GetInfoFilePath()), info ? P() : u"");
-        EXPECT_EQ(IsVelmorantMFiles(files.GetFileSpec()), info ? 1 : 0);
-    }
-    for (int count : {2048, 2049}) {  // at most 2,048 paths
+    for (int count : {2048, 2049}) {
         std::string text = "# Velmorant c_files \n";
-        for (int i = 0; i < count; ++i) text += dir + "s\n";
+        for (int i = 0; i < count; ++i) text += (mDir / "s").string() + "\n";
         Write("P", text);
         MFiles files;
         EXPECT_EQ(files.FOpen(P().c_str(), kOpenReadBinary), count == 2048 ? 0 : -1);
         EXPECT_EQ(files.GetFileNum(), count == 2048 ? 2048 : 0);
+        EXPECT_EQ(files.GetCurrentFileNum(), count == 2048 ? 1 : -1);
     }
 }
 

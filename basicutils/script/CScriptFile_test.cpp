@@ -20,9 +20,6 @@ using filestest::Reports;
 std::u16string U16(const std::string& s) {
     return std::u16string(s.begin(), s.end());
 }
-std::string Narrow(const std::u16string& s) {
-    return std::string(s.begin(), s.end());  // the tests' paths are ASCII
-}
 
 // Opens the protected reading operations to the tests; `last` is the
 // answer of the last one.
@@ -204,9 +201,10 @@ TEST_F(ScriptFile, WritingAndTheWorkingFilesEnd) {
         testing::ScopedEnv use(faults);
         ::testing::internal::CaptureStdout();
         EXPECT_EQ(writer.WriteString2File(&text), 0);
-        EXPECT_EQ(::testing::internal::GetCapturedStdout(), "Error: write failed(" +
-                                                                Narrow(mFolder.Library("out")) +
-                                                                ")\nCheck your free disk size\n");
+        const std::u16string path = mFolder.Library("out");  // ASCII
+        EXPECT_EQ(::testing::internal::GetCapturedStdout(),
+                  "Error: write failed(" + std::string(path.begin(), path.end()) +
+                      ")\nCheck your free disk size\n");
     }
     const std::string written = mFolder.Read("out");
     EXPECT_EQ(written.substr(0, 10), "\xC3\xA9\xC3\xA9n abc\n");
