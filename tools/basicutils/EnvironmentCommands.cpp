@@ -118,6 +118,11 @@ int RunSettings(const Args& given) {
     }
     if (args[0] == "set" && args.size() == 4) {
         if (app->WriteProfileStringW(section, key, FromUtf8(args[3]))) return 0;
+        if (GetLastError() == ERROR_INVALID_PARAMETER)
+            return Failure("[" + args[1] + "] " + args[2] +
+                           ": a settings file cannot hold an empty name, a line break, a ']' in "
+                           "a section, a '=' in a key, or a key that starts like a comment or a "
+                           "section");
         return Failure("cannot write " + file + ": " +
                        Shown(FormatMessageText(GetLastError()).c_str()));
     }

@@ -105,7 +105,7 @@ TEST_F(Tool, ParsesNotesRefusalsAndLayout) {
         {"settings set S k 'in a file' --file chosen.ini", 0, "", ""},
         {"settings get s K --file chosen.ini", 0, "in a file\n", ""},
         {"settings get S x --file chosen.ini", 1, "", ""},
-        {"settings set S k=1 v", 1, "", ""},
+        {"settings set S k=1 v", 1, "", "[S] k=1: a settings file cannot hold"},
         {"settings get S", 2, "", ""},
         {"choose --video", 1, "", "no display"},
         {"script s.txt", 0, "2: name = disc\n3: items = (a, b, c, d)\n", ""},
