@@ -1,6 +1,7 @@
 // Drives an LArray of 4-byte items and a walking iterator with a byte
 // script, and checks both against a std::vector model: contents after every
-// edit, the item the iterator reports, and sortedness in keep-sorted mode.
+// edit, the item the iterator reports, and in keep-sorted mode sortedness and
+// that an insertion answers an index among the items equal to its own.
 #include <basicutils/containers/LArray.h>
 #include <basicutils/containers/LArrayIterator.h>
 
@@ -54,8 +55,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                 const int32_t got = array.InsertItemsAt(count, at, &value, 0);
                 if (keep) {
                     auto pos = std::lower_bound(model.begin(), model.end(), value);
+                    const auto end = std::upper_bound(model.begin(), model.end(), value);
+                    Check(got >= pos - model.begin() + 1 && got <= end - model.begin() + 1);
                     model.insert(pos, count, value);
-                    Check(got >= 1 && got <= static_cast<int32_t>(n) + 1);
                 } else {
                     int64_t clamped = at > static_cast<int64_t>(n) ? static_cast<int64_t>(n) + 1
                                                                    : (at < 1 ? 1 : at);

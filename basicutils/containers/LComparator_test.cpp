@@ -7,18 +7,20 @@ namespace basicutils {
 namespace {
 
 TEST(BlockCompare, ByteDifferenceThenLength) {
-    const unsigned char ab[] = {0x61, 0x62}, abc[] = {0x61, 0x62, 0x63};
-    const unsigned char ff[] = {0xFF}, one[] = {0x01};
-    EXPECT_EQ(BlockCompare(ab, abc, 2, 3), -1);
-    EXPECT_EQ(BlockCompare(abc, ab, 3, 2), 1);
-    EXPECT_EQ(BlockCompare(ff, one, 1, 1), 254);
-    EXPECT_EQ(BlockCompare(one, ff, 1), -254);
-    EXPECT_EQ(BlockCompare(ab, abc, 2), 0);
-    EXPECT_EQ(BlockCompare(ff, one, 0), 0);
-    EXPECT_EQ(BlockCompare(ab, abc, 0, 0xFFFFFFFFu), 1);  // 0 - 0xFFFFFFFF wraps to 1
-    EXPECT_TRUE(BlocksAreEqual(ab, abc, 2));
-    EXPECT_TRUE(BlocksAreEqual(ff, one, 0));
-    EXPECT_FALSE(BlocksAreEqual(ab, abc + 1, 1));
+    const unsigned char ab[] = {0x61, 0x62}, abc[] = {0x61, 0x62, 0x63}, ff[] = {0xFF}, one[] = {1};
+    // clang-format off
+    const struct { const unsigned char *a, *b; uint32_t aSize, bSize; int32_t want; } cases[] = {
+        {ab, abc, 2, 3, -1}, {abc, ab, 3, 2, 1}, {ff, one, 1, 1, 254}, {one, ff, 1, 1, -254},
+        {ab, abc, 2, 2, 0}, {ff, one, 0, 0, 0}, {ab, abc + 1, 1, 1, -1},
+        {ab, abc, 0, 0xFFFFFFFFu, 1},  // 0 - 0xFFFFFFFF wraps to 1
+    };
+    // clang-format on
+    for (const auto& c : cases) {
+        EXPECT_EQ(BlockCompare(c.a, c.b, c.aSize, c.bSize), c.want) << c.aSize << " " << c.bSize;
+        if (c.aSize != c.bSize) continue;
+        EXPECT_EQ(BlockCompare(c.a, c.b, c.aSize), c.want);
+        EXPECT_EQ(BlocksAreEqual(c.a, c.b, c.aSize), c.want == 0);
+    }
 }
 
 TEST(Comparators, LongComparatorWrapsAndPointerComparatorOrders) {

@@ -4,11 +4,13 @@
 #include <basicutils/containers/LList.h>
 #include <basicutils/messaging/LBroadcaster.h>
 #include <basicutils/messaging/LNotifier.h>
+#include <basicutils/messaging/Recorder_test.h>
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -16,33 +18,17 @@ namespace basicutils {
 namespace {
 
 using Log = std::vector<std::string>;
+using testing_support::Recorder;
 
 struct Broadcaster : LBroadcaster {
     uint32_t ListenerCount() const { return mListeners ? mListeners->GetCount() : 0; }
-};
-
-// Records the messages it hears in a shared log as "name:message", and runs
-// an optional action on each call.
-struct Listener : LListener {
-    Listener(std::string n, Log* l) : name(std::move(n)), log(l) {}
-    bool ListenToMessage(int32_t message, void* param) override {
-        log->push_back(name + ":" + std::to_string(message));
-        lastParam = param;
-        if (action) action(message);
-        return true;
-    }
-    uint32_t BroadcasterCount() const { return mBroadcasters ? mBroadcasters->GetCount() : 0; }
-    std::string name;
-    Log* log;
-    void* lastParam = nullptr;
-    std::function<void(int32_t)> action;
 };
 
 TEST(LBroadcaster, RegistersOnceDeliversInOrderAndHonoursSwitches) {
     Log log;
     Broadcaster b;
     b.BroadcastMessage(1, nullptr);  // never had a listener: nothing happens
-    Listener x("x", &log), y("y", &log), stranger("s", &log);
+    Recorder x("x", &log), y("y", &log), stranger("s", &log);
     b.AddListener(&y);
     b.AddListener(&x);
     b.AddListener(&x);
@@ -66,7 +52,7 @@ TEST(LBroadcaster, RegistersOnceDeliversInOrderAndHonoursSwitches) {
 }
 
 TEST(LBroadcaster, ChangesDuringABroadcast) {
-    using Ls = std::vector<std::unique_ptr<Listener>>;
+    using Ls = std::vector<std::unique_ptr<Recorder>>;
     using Bc = std::unique_ptr<Broadcaster>;
     // Given the broadcaster and listeners a, b, c, the action of the listener
     // `who`; `expected` is the log of message 1.
@@ -97,7 +83,7 @@ TEST(LBroadcaster, ChangesDuringABroadcast) {
          0,
          [](Bc& bc, Ls& ls, Log& log, int32_t) {
              if (ls.size() != 3) return;
-             ls.push_back(std::make_unique<Listener>("d", &log));
+             ls.push_back(std::make_unique<Recorder>("d", &log));
              bc->AddListener(ls.back().get());
          },
          {"a:1", "b:1", "c:1", "d:1"}},
@@ -106,7 +92,7 @@ TEST(LBroadcaster, ChangesDuringABroadcast) {
          [](Bc& bc, Ls& ls, Log& log, int32_t) {
              if (ls.size() != 3) return;
              bc->RemoveListener(ls[2].get());
-             ls.push_back(std::make_unique<Listener>("d", &log));
+             ls.push_back(std::make_unique<Recorder>("d", &log));
              bc->AddListener(ls.back().get());
          },
          {"a:1", "b:1", "c:1"}},
@@ -133,10 +119,10 @@ TEST(LBroadcaster, ChangesDuringABroadcast) {
         auto bc = std::make_unique<Broadcaster>();
         Ls ls;
         for (const char* n : {"a", "b", "c"}) {
-            ls.push_back(std::make_unique<Listener>(n, &log));
+            ls.push_back(std::make_unique<Recorder>(n, &log));
             bc->AddListener(ls.back().get());
         }
-        ls[c.who]->action = [&, c](int32_t m) { c.act(bc, ls, log, m); };
+        ls[c.who]->then = [&, c](int32_t m) { c.act(bc, ls, log, m); };
         bc->BroadcastMessage(1, nullptr);
         EXPECT_EQ(log, c.expected);
         for (auto& l : ls) {
@@ -150,7 +136,7 @@ TEST(LBroadcaster, ChangesDuringABroadcast) {
 TEST(LBroadcaster, DyingBroadcasterAnnouncesItselfUnlessStopped) {
     for (bool stopped : {false, true}) {
         Log log;
-        Listener l("l", &log);
+        Recorder l("l", &log);
         auto bc = std::make_unique<Broadcaster>();
         void* base = static_cast<LBroadcaster*>(bc.get());
         bc->AddListener(&l);
@@ -165,8 +151,8 @@ TEST(LBroadcaster, DyingBroadcasterAnnouncesItselfUnlessStopped) {
 TEST(LBroadcaster, DyingListenerLeavesEveryBroadcaster) {
     Log log;
     Broadcaster one, two;
-    auto l = std::make_unique<Listener>("l", &log);
-    Listener other("o", &log);
+    auto l = std::make_unique<Recorder>("l", &log);
+    Recorder other("o", &log);
     one.AddListener(l.get());
     two.AddListener(l.get());
     two.AddListener(&other);
@@ -179,12 +165,12 @@ TEST(LBroadcaster, DyingListenerLeavesEveryBroadcaster) {
 TEST(LBroadcaster, CopiesTakeTheSwitchButNoRegistrations) {
     Log log;
     Broadcaster bc, assigned;
-    Listener l("l", &log), other("o", &log);
+    Recorder l("l", &log), other("o", &log);
     bc.AddListener(&l);
     bc.StopBroadcasting();
     l.StopListening();
     Broadcaster bcCopy(bc);
-    Listener lCopy(l);
+    Recorder lCopy(l);
     EXPECT_EQ(bcCopy.ListenerCount(), 0u);
     EXPECT_FALSE(bcCopy.IsBroadcasting());
     EXPECT_EQ(lCopy.BroadcasterCount(), 0u);
@@ -195,12 +181,18 @@ TEST(LBroadcaster, CopiesTakeTheSwitchButNoRegistrations) {
     EXPECT_EQ(assigned.ListenerCount(), 1u);
 }
 
+std::string Record(int32_t message, const void* notifier, int32_t p1, intptr_t p2) {
+    std::ostringstream out;
+    out << message << ' ' << notifier << ' ' << p1 << ' ' << p2;
+    return out.str();
+}
+
 struct Responder : LResponder {
     bool Respond(int32_t message, LNotifier* notifier, int32_t p1, intptr_t p2) override {
-        calls.push_back({message, notifier, p1, p2});
+        calls.push_back(Record(message, notifier, p1, p2));
         return true;
     }
-    std::vector<SNotifyRecord> calls;
+    Log calls;
 };
 
 struct RelayingResponder : LResponder, LBroadcaster {
@@ -222,16 +214,10 @@ TEST(LNotifier, RecordsReachRespondAndRelayKeepsTheFirstNotifier) {
     source.Notify(7201, kText);
     EXPECT_FALSE(r.ListenToMessage(5, nullptr));  // not a notification
     r.PassNotify(1, nullptr, 0, 0);               // not a broadcaster: nothing happens
-    ASSERT_EQ(r.calls.size(), 2u);
-    ASSERT_EQ(end.calls.size(), 2u);
-    for (const auto* calls : {&r.calls, &end.calls}) {
-        EXPECT_EQ((*calls)[0].mMessage, 7130);
-        EXPECT_EQ((*calls)[0].mNotifier, &source);
-        EXPECT_EQ((*calls)[0].mParam1, 1);
-        EXPECT_EQ((*calls)[0].mParam2, 2);
-        EXPECT_EQ((*calls)[1].mParam1, 0);
-        EXPECT_EQ(reinterpret_cast<const char16_t*>((*calls)[1].mParam2), kText);
-    }
+    const Log expected{Record(7130, &source, 1, 2),
+                       Record(7201, &source, 0, reinterpret_cast<intptr_t>(kText))};
+    EXPECT_EQ(r.calls, expected);
+    EXPECT_EQ(end.calls, expected);
 }
 
 // Not exactly an LList: a broadcast over it walks with Next.
