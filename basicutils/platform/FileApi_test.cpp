@@ -17,7 +17,6 @@
 namespace basicutils {
 namespace {
 
-using testing::SysCall;
 using testing::TempFolder;
 
 TEST(FileApi, CreateAndDeleteWithTheirLastErrors) {
@@ -62,20 +61,6 @@ TEST(FileApi, CreateAndDeleteWithTheirLastErrors) {
         EXPECT_EQ(GetLastError(), c.lastError) << c.name << " " << c.disposition;
         EXPECT_EQ(folder.Read("f"), c.contents ? c.contents : "");
         EXPECT_EQ(CloseHandle(file), file != INVALID_HANDLE_VALUE);
-    }
-}
-
-TEST(FileApi, NoBufferingFallsBackOnlyWhereTheFileSystemRefuses) {
-    TempFolder folder;
-    for (int error : {0, EINVAL, EIO}) {  // of the fcntl that turns direct I/O on
-        testing::FaultEnv faults;
-        faults.LimitToThisThread().FailNth(SysCall::kFcntl, 2, error);  // 1: F_GETFL
-        testing::ScopedEnv use(faults);
-        HANDLE file = CreateFileW(folder.Wide("o").c_str(), GENERIC_WRITE, 0, nullptr,
-                                  CREATE_ALWAYS, 0x68000000, nullptr);
-        EXPECT_EQ(file == INVALID_HANDLE_VALUE, error == EIO);
-        EXPECT_EQ(GetLastError(), error == EIO ? ERROR_IO_DEVICE : GetLastError());
-        CloseHandle(file);
     }
 }
 
@@ -149,22 +134,6 @@ TEST(FileApi, ListingsBeginWithDotAndDotDot) {
     for (const auto& [pattern, expected] : cases) EXPECT_EQ(List(folder.Wide(pattern)), expected);
 }
 
-TEST(FileApi, ListingFailuresThroughTheSeam) {
-    TempFolder folder;
-    testing::FaultEnv faults;
-    faults.LimitToThisThread()
-        .FailNth(SysCall::kReaddir, 1, EINTR)
-        .FailNth(SysCall::kReaddir, 4, EIO);
-    testing::ScopedEnv use(faults);
-    WIN32_FIND_DATAW data;
-    HANDLE find = FindFirstFileW(folder.Wide("*").c_str(), &data);  // "." needs no read
-    while (FindNextFileW(find, &data)) {
-    }
-    EXPECT_EQ(GetLastError(), ERROR_IO_DEVICE);
-    EXPECT_EQ(faults.Count(SysCall::kReaddir), 4);  // the interrupted read was repeated
-    FindClose(find);
-}
-
 TEST(FileApi, DriveTypeRules) {
     const std::tuple<const char*, bool, UINT> cases[] = {
         {"ext4", false, DRIVE_FIXED},        {"ext4", true, DRIVE_CDROM},
@@ -223,11 +192,6 @@ TEST(FileApi, CurrentDirectoryResultContract) {
         EXPECT_EQ(GetCurrentDirectoryW(size, buffer.data()), size > length ? length : length + 1);
         EXPECT_EQ(buffer.c_str() == expected, size > length);  // untouched when too small
     }
-    testing::FaultEnv faults;
-    faults.LimitToThisThread().FailNth(SysCall::kGetcwd, 1, ENOENT);
-    testing::ScopedEnv use(faults);
-    EXPECT_EQ(GetCurrentDirectoryW(8, expected.data()), 0u);
-    EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
     ASSERT_EQ(::chdir(before), 0);
 }
 

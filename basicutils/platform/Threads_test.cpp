@@ -1,19 +1,14 @@
-// Threads: IDs, the main thread, bad handles and a creation that fails.
+// Threads: IDs, the main thread and bad handles.
 // Suspension is tested in Suspension_test.cpp.
 #include <basicutils/platform/Errors.h>
 #include <basicutils/platform/Sync.h>
 #include <basicutils/platform/Threads.h>
-#include <basicutils/platform/testing/FaultEnv.h>
 #include <gtest/gtest.h>
 
 #include <thread>
 
 namespace basicutils {
 namespace {
-
-DWORD Seven(void*) {
-    return 7;
-}
 
 TEST(Threads, IdentitiesAndTheMainThread) {
     const DWORD mine = GetCurrentThreadId();
@@ -31,7 +26,7 @@ TEST(Threads, IdentitiesAndTheMainThread) {
     EXPECT_TRUE(IsMainThread());
 }
 
-TEST(Threads, BadHandlesAndFailedCreationGiveFailures) {
+TEST(Threads, BadHandlesGiveFailures) {
     int dummy = 0;
     HANDLE bogus = &dummy;
     HANDLE event = CreateEventW(nullptr, 1, 0, nullptr);
@@ -46,18 +41,6 @@ TEST(Threads, BadHandlesAndFailedCreationGiveFailures) {
     EXPECT_FALSE(CloseHandle(event)) << "closed twice";
     EXPECT_EQ(WaitForSingleObject(event, 0), WAIT_FAILED);
     EXPECT_FALSE(CloseHandle(bogus));
-
-    testing::FaultEnv faults;
-    testing::ScopedEnv use(faults);
-    faults.FailNth(detail::SysCall::kThreadCreate, 1, EAGAIN);
-    EXPECT_EQ(CreateThread(nullptr, 0, &Seven, nullptr, 0, nullptr), nullptr);
-    EXPECT_EQ(GetLastError(), ERROR_NOT_ENOUGH_QUOTA);
-    HANDLE h = CreateThread(nullptr, 0, &Seven, nullptr, 0, nullptr);
-    ASSERT_NE(h, nullptr) << "only one creation was to fail";
-    DWORD code = 0;
-    WaitForSingleObject(h, 20000);
-    EXPECT_TRUE(GetExitCodeThread(h, &code) && code == 7);
-    CloseHandle(h);
 }
 
 }  // namespace
