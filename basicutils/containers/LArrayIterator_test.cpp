@@ -11,7 +11,6 @@
 namespace basicutils {
 namespace {
 
-using test::Contents;
 using test::Insert;
 
 std::unique_ptr<LArray> MakeArray(int32_t n) {
@@ -81,7 +80,8 @@ TEST(LArrayIteratorWalk, EditsDuringAWalk) {
     }
 }
 
-// Every transition of the iterator's state table, one row each.
+// Every transition of the iterator's state table, and where ResetTo (which
+// the constructor calls) places it, one row each.
 TEST(LArrayIteratorStates, TransitionTable) {
     enum Op { kNext, kPrevious, kCurrent };
     // clang-format off
@@ -115,6 +115,10 @@ TEST(LArrayIteratorStates, TransitionTable) {
         {"stale next after the last was removed, Next", 3, 2, {{1, 3}}, {kNext}, false, 0, 3},
         {"stale next, Next then Previous returns to the last", 3, 2, {{1, 3}}, {kNext, kPrevious}, true, 2, 2},
         {"past end on empty sees no later insertion", 0, -1, {{0, 1}}, {kNext}, false, 0, kIteratorPastEnd},
+        {"reset below 0", 3, -5, {}, {}, false, 0, 0},
+        {"reset to the last", 3, 3, {}, {}, false, 0, 3},
+        {"reset past the count", 3, 4, {}, {}, false, 0, kIteratorPastEnd},
+        {"reset to kLastIndex", 3, kLastIndex, {}, {}, false, 0, kIteratorPastEnd},
     };
     // clang-format on
     for (const auto& r : rows) {
@@ -132,19 +136,6 @@ TEST(LArrayIteratorStates, TransitionTable) {
             EXPECT_EQ(v, r.value);
         }
         EXPECT_EQ(it.GetCurrentIndex(), r.index);
-    }
-}
-
-TEST(LArrayIteratorStates, ResetToPositions) {
-    // clang-format off
-    const struct { int32_t position, index; } cases[] = {
-        {-1, kIteratorPastEnd}, {0, 0}, {-5, 0}, {2, 2}, {3, 3}, {4, kIteratorPastEnd},
-        {kLastIndex, kIteratorPastEnd}};
-    // clang-format on
-    auto array = MakeArray(3);
-    for (const auto& c : cases) {
-        LArrayIterator it(*array, c.position);
-        EXPECT_EQ(it.GetCurrentIndex(), c.index) << c.position;
     }
 }
 
@@ -169,21 +160,6 @@ TEST(LArrayIteratorLife, ArrayDestroyedDuringAWalk) {
         EXPECT_EQ(it->GetCurrentIndex(), kIteratorArrayDead);
     }
     outer.reset();  // must not touch the dead array (ASan would see it)
-}
-
-TEST(LArrayIteratorLife, IteratorsDetachInAnyOrder) {
-    auto array = MakeArray(3);
-    auto a = std::make_unique<LArrayIterator>(*array, 0);
-    auto b = std::make_unique<LArrayIterator>(*array, 1);
-    auto c = std::make_unique<LArrayIterator>(*array, 2);
-    b.reset();  // the middle of the chain
-    array->RemoveItemsAt(1, 1);
-    EXPECT_EQ(a->GetCurrentIndex(), 0);
-    EXPECT_EQ(c->GetCurrentIndex(), 1);
-    c.reset();
-    a.reset();
-    Insert(*array, 7, 1);  // no iterator left to tell
-    EXPECT_EQ(Contents(*array), (std::vector<int32_t>{7, 2, 3}));
 }
 
 }  // namespace

@@ -1,13 +1,11 @@
 #include <basicutils/containers/ArrayContents_test.h>
 #include <basicutils/containers/Handle.h>
 #include <basicutils/containers/LArray.h>
-#include <basicutils/containers/LArrayIterator.h>
 #include <basicutils/containers/LList.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <random>
 #include <utility>
 #include <vector>
@@ -59,9 +57,10 @@ TEST(LArrayAllocation, FollowsTheOneSpareItemGrowthRule) {
     EXPECT_EQ(big.GetItemsHandle()->GetSize(), 3000u);
 }
 
-// Insertion, removal, swap and move at any index (0, negative, past the end,
-// kLastIndex), and keep-sorted refusals, are held to a model by the LArray
-// fuzz replay; here, locking, the 32-bit bound and assignment past the end.
+// Insertion (of an item of the array itself too), removal, swap and move at
+// any index (0, negative, past the end, kLastIndex), fetches of a given size
+// and keep-sorted refusals are held to a model by the LArray fuzz replay;
+// here, locking, the 32-bit bound and assignment past the end.
 TEST(LArrayEditing, RefusedAndBoundedEdits) {
     LArray array(4, nullptr, false);
     int32_t v = 5;
@@ -85,35 +84,6 @@ TEST(LArrayEditing, RefusedAndBoundedEdits) {
     EXPECT_EQ(Contents(array), (std::vector<int32_t>{5, 2, 5, 5}));
     EXPECT_EQ(array.InsertItemsAt(0xFFFFFFFFu, 1, &v, 0), 0);  // would not fit 32 bits
     EXPECT_EQ(array.GetCount(), 4u);
-}
-
-TEST(LArrayEditing, FetchCopiesAtMostTheGivenSize) {
-    LArray array(8, nullptr, false);
-    const uint64_t item = 0x1122334455667788ull;
-    array.InsertItemsAt(1, 1, &item, 0);
-    unsigned char out[16] = {};
-    uint32_t size = 3;
-    EXPECT_TRUE(array.FetchItemAt(1, out, size));
-    EXPECT_EQ(size, 3u);
-    EXPECT_EQ(out[0], 0x88);
-    EXPECT_EQ(out[3], 0);
-    size = 16;
-    EXPECT_TRUE(array.FetchItemAt(kLastIndex, out, size));
-    EXPECT_EQ(size, 8u);
-    size = 99;
-    EXPECT_FALSE(array.FetchItemAt(2, out, size));
-    EXPECT_EQ(size, 99u);
-}
-
-TEST(LArrayEditing, ItemFromInsideTheArrayIsCopiedFirst) {
-    LArray array(4, nullptr, false);
-    for (int32_t i = 1; i <= 64; ++i) array.InsertItemsAt(1, kLastIndex, &i, 0);
-    // The 65th insertion moves the block past 256 bytes and shifts everything.
-    array.InsertItemsAt(1, 1, array.GetItemPtr(64), 0);
-    std::vector<int32_t> c = Contents(array);
-    EXPECT_EQ(c.front(), 64);
-    EXPECT_EQ(c[1], 1);
-    EXPECT_EQ(c.back(), 64);
 }
 
 // A comparator that orders 4-byte items by their value and keys by an
@@ -267,68 +237,6 @@ TEST(LArrayComparators, DefaultsFollowItemSize) {
     int deleted = 0;
     { ArrayProbe owner(4, new IntKeyComparator(&deleted), false); }
     EXPECT_EQ(deleted, 1);
-}
-
-// Not exactly an LArray or LList: every edit and search of it takes the
-// general path through the virtual operations.
-template <class Base>
-struct GeneralArray : Base {
-    using Base::Base;
-    uint32_t GrabItemSize(int32_t index) const override { return Base::GrabItemSize(index); }
-};
-
-// Random edits, searches and walks on a plain array and a general one, for
-// the three shared comparators (items of 4 bytes, pointers, 12 bytes): the
-// same answers, contents, block sizes and iterator positions throughout.
-TEST(LArrayPaths, PlainArraysDoWhatTheGeneralPathDoes) {
-    for (uint32_t size : {4u, uint32_t{sizeof(void*)}, 12u}) {
-        std::unique_ptr<LArray> a[2];
-        if (size == sizeof(void*)) {
-            a[0] = std::make_unique<LList>();
-            a[1] = std::make_unique<GeneralArray<LList>>();
-        } else {
-            a[0] = std::make_unique<LArray>(size, nullptr, false);
-            a[1] = std::make_unique<GeneralArray<LArray>>(size, nullptr, false);
-        }
-        std::unique_ptr<LArrayIterator> it[2];
-        const Handle* block[2] = {nullptr, nullptr};
-        std::mt19937 rng(size);
-        for (int step = 0; step < 6000; ++step) {
-            const uint32_t op = rng() % 10, n = 1 + rng() % 3;
-            const auto count = static_cast<int32_t>(a[0]->GetCount());
-            const int32_t index =
-                rng() % 2 ? kLastIndex : static_cast<int32_t>(rng() % (count + 3)) - 1;
-            char item[12];
-            std::memset(item, static_cast<int>(rng() % 40), sizeof item);
-            const int32_t at = count > 0 ? 1 + static_cast<int32_t>(rng() % count) : 0;
-            const bool inside = at > 0 && rng() % 8 == 0;  // an item of the array itself
-            const uint32_t probeSize = rng() % 4 ? 0 : 3;
-            int32_t got[2] = {0, 0};
-            for (int i = 0; i < 2; ++i) {
-                LArray& x = *a[i];
-                const void* p = inside ? x.GetItemPtr(at) : item;
-                if (op < 4) got[i] = x.InsertItemsAt(op == 0 ? n : 1, index, p, 0);
-                if (op == 4) x.RemoveItemsAt(x.GetCount() > 3000 ? 2000 : n, index);
-                if (op == 5) got[i] = x.FetchIndexOf(item, probeSize) + 100 * x.FetchIndexOf(p, 0);
-                if (op == 6) x.AssignItemsAt(n, index, item, 0);
-                if (op == 7) x.SwapItems(index, at);
-                if (op == 8 && !it[i]) it[i] = std::make_unique<LArrayIterator>(x, 0);
-                if (op == 8) got[i] = it[i]->Next(item) ? it[i]->GetCurrentIndex() : -1;
-                if (op == 9) x.Lock(), got[i] = x.InsertItemsAt(1, index, item, 0), x.Unlock();
-                if (!block[i] && x.GetCount() > 0) block[i] = x.GetItemsHandle();
-            }
-            ASSERT_EQ(got[0], got[1]) << "op " << op << " at step " << step;
-            ASSERT_EQ(a[0]->GetCount(), a[1]->GetCount());
-            ASSERT_EQ(block[0] ? block[0]->GetSize() : 0, block[1] ? block[1]->GetSize() : 0);
-            if (a[0]->GetCount() > 0) {
-                ASSERT_EQ(0, std::memcmp(a[0]->GetItemPtr(1), a[1]->GetItemPtr(1),
-                                         a[0]->GetCount() * size));
-            }
-            if (it[0]) {
-                ASSERT_EQ(it[0]->GetCurrentIndex(), it[1]->GetCurrentIndex());
-            }
-        }
-    }
 }
 
 }  // namespace

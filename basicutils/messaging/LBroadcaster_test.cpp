@@ -9,7 +9,6 @@
 
 #include <functional>
 #include <memory>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -218,63 +217,6 @@ TEST(LNotifier, RecordsReachRespondAndRelayKeepsTheFirstNotifier) {
                        Record(7201, &source, 0, reinterpret_cast<intptr_t>(kText))};
     EXPECT_EQ(r.calls, expected);
     EXPECT_EQ(end.calls, expected);
-}
-
-// Not exactly an LList: a broadcast over it walks with Next.
-struct GeneralList : LList {
-    uint32_t GrabItemSize(int32_t index) const override { return LList::GrabItemSize(index); }
-};
-struct GeneralBroadcaster : LBroadcaster {
-    GeneralBroadcaster() { mListeners = new GeneralList; }
-};
-
-// Listeners that, as a seeded generator says, remove, add, stop, start or
-// destroy listeners (themselves included), broadcast again or destroy the
-// broadcaster while a broadcast walks. The log of calls is the result.
-struct World {
-    struct Actor : LListener {
-        Actor(World* w, int i) : world(w), id(i) {}
-        bool ListenToMessage(int32_t message, void*) override { return world->Act(id, message); }
-        World* world;
-        int id;
-    };
-    World(bool general, unsigned seed) : rng(seed) {
-        broadcaster.reset(general ? new GeneralBroadcaster : new LBroadcaster);
-        for (int i = 0; i < 10; ++i) Add(i);
-        for (int round = 0; round < 30 && broadcaster; ++round)
-            broadcaster->BroadcastMessage(round, nullptr);
-    }
-    void Add(int i) {
-        if (!actors[i]) actors[i] = std::make_unique<Actor>(this, i);
-        if (broadcaster) broadcaster->AddListener(actors[i].get());
-    }
-    bool Act(int self, int32_t message) {
-        log.push_back(std::to_string(self) + ":" + std::to_string(message));
-        for (int edits = rng() % 3; edits > 0 && broadcaster; --edits) {
-            const int k = static_cast<int>(rng() % 10), what = static_cast<int>(rng() % 40);
-            if (what < 8 && actors[k]) broadcaster->RemoveListener(actors[k].get());
-            if (what >= 8 && what < 16) Add(k);
-            if (what == 16 && actors[k]) actors[k]->StopListening();
-            if (what == 17 && actors[k]) actors[k]->StartListening();
-            if (what == 18) actors[k].reset();
-            if (what == 19 && depth < 2)
-                ++depth, broadcaster->BroadcastMessage(message + 1000, nullptr), --depth;
-            if (what == 20 && rng() % 20 == 0) broadcaster.reset();
-        }
-        return true;
-    }
-    std::mt19937 rng;
-    std::unique_ptr<LBroadcaster> broadcaster;
-    std::unique_ptr<Actor> actors[10];
-    int depth = 0;
-    Log log;
-};
-
-TEST(LBroadcaster, PlainListWalkHearsWhatTheGeneralWalkHears) {
-    for (unsigned seed = 0; seed < 300; ++seed) {
-        World plain(false, seed), general(true, seed);
-        ASSERT_EQ(plain.log, general.log) << "seed " << seed;
-    }
 }
 
 }  // namespace
