@@ -6,12 +6,10 @@
 #include <basicutils/messaging/CMessageAction.h>
 #include <basicutils/messaging/LBroadcaster.h>
 #include <basicutils/platform/testing/FaultEnv.h>
+#include <basicutils/platform/testing/TempFolder.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -43,25 +41,17 @@ class Reports : public LListener {
 
 class TempDirTest : public ::testing::Test {
   protected:
-    void SetUp() override {
-        mDir = fs::temp_directory_path() / ("bu_files_" + std::to_string(std::random_device{}()));
-        fs::create_directories(mDir);
-    }
-    void TearDown() override { fs::remove_all(mDir); }
-    std::u16string WPath(const std::string& name) const { return (mDir / name).u16string(); }
+    std::u16string WPath(const std::string& name) const { return mFolder.Wide(name); }
     void Write(const std::string& name, const std::string& bytes) const {
-        std::ofstream(mDir / name, std::ios::binary) << bytes;
+        mFolder.Write(name, bytes);
     }
-    std::string Read(const std::string& name) const {
-        std::stringstream s;
-        s << std::ifstream(mDir / name, std::ios::binary).rdbuf();
-        return s.str();
-    }
+    std::string Read(const std::string& name) const { return mFolder.Read(name); }
     void Open(MFileUniv& file, const std::string& name, file_open_t mode) const {
         ASSERT_EQ(file.FOpen(WPath(name).c_str(), mode), 0) << name << " mode " << mode;
     }
 
-    fs::path mDir;
+    testing::TempFolder mFolder;
+    const fs::path& mDir = mFolder.Path();
 };
 
 }  // namespace basicutils::filestest
