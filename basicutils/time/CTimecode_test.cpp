@@ -79,16 +79,12 @@ TEST(CTimecode, FrameRateIsClampedAndGivesTheFrameType) {
     for (const auto& g : gets) EXPECT_EQ(CTimecode(0, 0, 0, 0, g.rate).GetFrameType(), g.type);
 }
 
-TEST(CTimecode, SetTimeValidatesAgainstTheNewRateAndNotifiesPerChange) {
+// That SetTime notifies once per changed field, as the four setters do, the
+// SetTime fuzz replay checks.
+TEST(CTimecode, SetTimeValidatesAgainstTheNewRate) {
     CTimecode tc;
-    Recorder counter;
-    tc.AddResponder(&counter);
     EXPECT_TRUE(tc.SetTime(1, 2, 3, 4));
-    EXPECT_EQ(counter.Count(), 4u);
-    EXPECT_TRUE(tc.SetTime(1, 2, 3, 5));
-    EXPECT_EQ(counter.Count(), 5u);
-    EXPECT_FALSE(tc.SetTime(1, 2, 3, 5));
-    EXPECT_EQ(counter.Count(), 5u);
+    EXPECT_FALSE(tc.SetTime(1, 2, 3, 4));
     EXPECT_TRUE(tc.SetTime(0, 0, 0, 29, 25.0));
     EXPECT_EQ(S(tc), "00:00:00:24@25");
     EXPECT_TRUE(tc.SetTime(0, 0, 0, 29, kFrameType30));
