@@ -65,12 +65,8 @@ TEST(CTimecode, FrameRateIsClampedAndGivesTheFrameType) {
         tc.SetFrameRate(c.input);
         EXPECT_EQ(tc.GetFrameRate(), c.stored) << c.input;
     }
-    CTimecode tc(0, 0, 0, 0, 24.0);
-    Recorder counter;
-    tc.AddResponder(&counter);
-    EXPECT_FALSE(tc.SetFrameRate(24.0));
+    CTimecode tc(0, 0, 0, 0, 24.0);      // the store step the setters' table checks
     EXPECT_FALSE(tc.SetFrameRate(3.0));  // clamps to the 24.0 it holds
-    EXPECT_EQ(counter.Count(), 0u);
     for (const auto& s : sets) {
         CTimecode typed(0, 0, 0, 0, 1000.0);
         typed.SetFrameType(s.set);
