@@ -23,16 +23,8 @@ class Scheduler : public ::testing::Test {
         action->RemoveListener(&mMessages);
         EXPECT_EQ(action->GetThreadCount(), 0);
     }
-    // Steps of the log that concern the scheduler, in order.
-    Steps Filtered(std::initializer_list<std::string> kinds) {
-        Steps out;
-        for (auto& e : mLog.Events())
-            for (auto& k : kinds)
-                if (e.what == k) out.push_back(e.what + ":" + e.task);
-        return out;
-    }
     template <class T>
-    T* Held(const char* name, Gate* gate) {
+    T* Held(const std::string& name, Gate* gate) {
         auto* task = new T(&mLog, name);
         task->mGate = gate;
         return task;
@@ -44,33 +36,28 @@ class Scheduler : public ::testing::Test {
 };
 
 TEST_F(Scheduler, SingleRunTasksOfOneClassRunOneAfterAnotherInLaunchOrder) {
-    Gate g1, g2, g3;
-    auto* t1 = Held<SingleTask>("a1", &g1);
-    auto* t2 = Held<SingleTask>("a2", &g2);
-    auto* t3 = Held<SingleTask>("a3", &g3);
-    t1->mThreadType = 7;
-    t2->mThreadType = 7;
-    t1->Execute();
-    t2->Execute();
-    t3->Execute();
-    ASSERT_TRUE(testing_support::WaitUntil([&] { return t1->mStartedRunning.load(); }));
+    Gate gates[3];
+    SingleTask* t[3];
+    for (int i = 0; i < 3; ++i) t[i] = Held<SingleTask>("a" + std::to_string(i + 1), &gates[i]);
+    t[0]->mThreadType = t[1]->mThreadType = 7;
+    for (SingleTask* task : t) task->Execute();
+    ASSERT_TRUE(WaitUntil([&] { return t[0]->mStartedRunning.load(); }));
     EXPECT_EQ(action->GetThreadCount(), 3);
-    EXPECT_EQ(action->FindRunningThread(t2), t1);
-    EXPECT_EQ(action->FindWaitingThread(t3), t2);
-    EXPECT_EQ(action->FindThread(t1->GetThreadId()), t1);
+    EXPECT_EQ(action->FindRunningThread(t[1]), t[0]);
+    EXPECT_EQ(action->FindWaitingThread(t[2]), t[1]);
+    EXPECT_EQ(action->FindThread(t[0]->GetThreadId()), t[0]);
     EXPECT_EQ(action->IsThreadTypeRunning(7), 1);
     EXPECT_EQ(action->IsThreadTypeRunning(8), 0);
-    EXPECT_FALSE(t2->mStartedRunning);
-    g1.Open();
-    ASSERT_TRUE(PumpUntil([&] { return t2->mStartedRunning.load(); }));
-    g2.Open();
-    ASSERT_TRUE(PumpUntil([&] { return t3->mStartedRunning.load(); }));
-    g3.Open();
+    for (int i = 0; i < 2; ++i) {  // each waits until the one before it ends
+        EXPECT_FALSE(t[i + 1]->mStartedRunning);
+        gates[i] = true;
+        ASSERT_TRUE(PumpUntil([&] { return t[i + 1]->mStartedRunning.load(); }));
+    }
+    gates[2] = true;
     ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "a3"); }));
-    EXPECT_EQ(Filtered({"start", "pass", "29001"}),
+    EXPECT_EQ(mLog.Steps({"start", "pass", "29001"}),
               (Steps{"start:a1", "pass:a1>a2", "start:a2", "29001:a1", "pass:a2>a3", "start:a3",
                      "29001:a2", "pass:a3>null", "29001:a3"}));
-    EXPECT_EQ(Filtered({"run"}), (Steps{"run:a1", "run:a2", "run:a3"}));
 }
 
 TEST_F(Scheduler, ClassesAndOrdinaryTasksDoNotWaitForEachOther) {
@@ -94,9 +81,9 @@ TEST_F(Scheduler, ClassesAndOrdinaryTasksDoNotWaitForEachOther) {
     EXPECT_EQ(action->GetThread(0), nullptr);
     EXPECT_EQ(action->FindRunningThread(plain1), nullptr) << "ordinary tasks aren't 'running'";
     EXPECT_EQ(action->FindThread(plain1->GetThreadId()), nullptr);
-    gate.Open();
+    gate = true;
     ASSERT_TRUE(PumpUntil([&] { return action->GetThreadCount() == 0; }));
-    Steps passes = Filtered({"pass"});
+    Steps passes = mLog.Steps({"pass"});
     std::sort(passes.begin(), passes.end());
     EXPECT_EQ(passes, (Steps{"pass:base>null", "pass:derived>null"}))
         << "only single-run tasks hear PassInformation, each once";
@@ -113,12 +100,12 @@ TEST_F(Scheduler, AbortedWaitingTaskLeavesWithoutDisturbingTheRunningOne) {
     waiting->Abort();
     EXPECT_EQ(action->GetThreadCount(), 1);
     EXPECT_EQ(action->FindWaitingThread(running), nullptr);
-    gate.Open();
+    gate = true;
     ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "run"); }));
-    EXPECT_EQ(Filtered({"postplay", "58900", "pass", "29001", "deleted"}),
+    EXPECT_EQ(mLog.Steps({"postplay", "58900", "pass", "29001", "deleted"}),
               (Steps{"58900:wait", "29001:wait", "deleted:wait", "postplay:run", "58900:run",
                      "pass:run>null", "29001:run", "deleted:run"}));
-    EXPECT_EQ(Filtered({"run"}), (Steps{"run:run"})) << "the aborted task never ran";
+    EXPECT_EQ(mLog.Steps({"run"}), (Steps{"run:run"})) << "the aborted task never ran";
 }
 
 TEST_F(Scheduler, TaskWithoutWorkerIgnoresSingleRun) {
@@ -129,7 +116,7 @@ TEST_F(Scheduler, TaskWithoutWorkerIgnoresSingleRun) {
     inline_task->SetWorkerThread(false);
     inline_task->Execute();
     EXPECT_TRUE(mLog.Has("deleted", "inline")) << "it ran inside Execute, not waiting";
-    gate.Open();
+    gate = true;
     ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "held"); }));
 }
 

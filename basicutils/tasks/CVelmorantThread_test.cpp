@@ -25,8 +25,6 @@ class TaskLife : public ::testing::Test {
         task->AddListener(&mTaskMessages);
         return task;
     }
-    void ListenToScheduler() { CThreadAction::GetThreadAction()->AddListener(&mSchedulerMessages); }
-    void StopListening() { CThreadAction::GetThreadAction()->RemoveListener(&mSchedulerMessages); }
 
     EventLog mLog;
     MessageLog mTaskMessages{&mLog};
@@ -44,7 +42,7 @@ TEST_F(TaskLife, TasksThatEndInsideExecute) {
         {true, true, [](LoggedTask* t) { t->mShouldStart = false; }, true, {"preplay:t", "29000:t", "start:t", "postplay:t", "58900:t", "29001:t", "deleted:t", "29002:?"}},
     };
     // clang-format on
-    ListenToScheduler();
+    CThreadAction::GetThreadAction()->AddListener(&mSchedulerMessages);
     for (auto& c : cases) {
         mLog.Clear();
         auto* task = Watch(new LoggedTask(&mLog, "t", c.worker, c.autoDelete));
@@ -53,7 +51,7 @@ TEST_F(TaskLife, TasksThatEndInsideExecute) {
         EXPECT_EQ(mLog.Steps(), c.steps);
         for (auto& e : mLog.Events()) EXPECT_EQ(e.thread, GetCurrentThreadId()) << e.what;
     }
-    StopListening();
+    CThreadAction::GetThreadAction()->RemoveListener(&mSchedulerMessages);
     auto* idle = new LoggedTask(&mLog, "i", false);
     idle->Pause();
     EXPECT_FALSE(idle->IsPaused()) << "no thread: nothing to pause";
@@ -69,7 +67,7 @@ TEST_F(TaskLife, SelfDeletingWorkerCleansUpOnTheMainThread) {
     EXPECT_TRUE(task->CanKill());
     const DWORD worker = task->GetThreadId();
     EXPECT_NE(worker, GetCurrentThreadId());
-    gate.Open();
+    gate = true;
     ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "w"); }));
     EXPECT_EQ(mLog.ThreadOf("run", "w"), worker);
     for (const char* step : {"postplay", "58900", "deleted"})
@@ -114,7 +112,7 @@ TEST_F(TaskLife, AbortOfRunningTaskOnlyClearsShouldStart) {
     task->Abort();
     EXPECT_FALSE(task->ShouldStart());
     EXPECT_EQ(CThreadAction::GetThreadAction()->GetThreadCount(), 1);
-    gate.Open();
+    gate = true;
     ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "a"); }));
     EXPECT_TRUE(mLog.Has("postplay", "a")) << "it ran on to its normal end";
 }

@@ -39,21 +39,18 @@ int64_t UnitSum(int64_t unit) {
     return n * unit * 31 + n * (n - 1) / 2;
 }
 
-class Mailbox : public CWnd {
-  public:
-    explicit Mailbox(std::array<Outcome, kTasks>* outcomes) : mOutcomes(outcomes) {}
+// Counts what the tasks post to it.
+struct Mailbox : CWnd {
+    std::array<Outcome, kTasks> outcomes;
     LRESULT WindowProc(UINT, WPARAM task, LPARAM unit) override {
-        (*mOutcomes)[task].received += 1;
-        (*mOutcomes)[task].receivedSum += unit;
+        outcomes[task].received += 1;
+        outcomes[task].receivedSum += unit;
         return 0;
     }
-
-  private:
-    std::array<Outcome, kTasks>* mOutcomes;
 };
 
-class AdvanceCounter : public LListener {
-  public:
+// Adds up the progress the tasks report.
+struct AdvanceCounter : LListener {
     std::atomic<int64_t> advances{0};
     bool ListenToMessage(int32_t message, void* param) override {
         auto* info = static_cast<SThreadStatusInfo*>(param);
@@ -142,8 +139,8 @@ std::string CheckedPauses(StormTask* task) {
 
 std::string Storm() {
     CThreadDispatcher::GetThreadDispatcher();
-    std::array<Outcome, kTasks> outcomes;
-    Mailbox mailbox(&outcomes);
+    Mailbox mailbox;
+    auto& outcomes = mailbox.outcomes;
     mailbox.CreateHidden();
     AdvanceCounter counter;
     CThreadStatus::GetThreadStatus()->AddListener(&counter);

@@ -9,6 +9,7 @@
 #include <basicutils/tasks/CVelmorantThread.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <functional>
@@ -38,10 +39,12 @@ class EventLog {
         std::lock_guard<std::mutex> g(mLock);
         return mEvents;
     }
-    // "what:task" of each event, in order.
-    std::vector<std::string> Steps() {
+    // "what:task" of each event, in order; of the kinds named only, if any.
+    std::vector<std::string> Steps(std::initializer_list<std::string> kinds = {}) {
         std::vector<std::string> out;
-        for (auto& e : Events()) out.push_back(e.what + ":" + e.task);
+        for (auto& e : Events())
+            if (kinds.size() == 0 || std::find(kinds.begin(), kinds.end(), e.what) != kinds.end())
+                out.push_back(e.what + ":" + e.task);
         return out;
     }
     // The thread of the first such event, 0 if there is none.
@@ -57,15 +60,9 @@ class EventLog {
     std::vector<Event> mEvents;
 };
 
-// Holds RunSelf until opened; a gate never opened fails the test after a
+// Holds RunSelf until set; a gate never opened fails the test after a
 // generous limit instead of hanging it.
-struct Gate {
-    std::atomic<bool> open{false};
-    void Open() { open = true; }
-    void Wait() {
-        EXPECT_TRUE(WaitUntil([&] { return open.load(); }, std::chrono::seconds(60)));
-    }
-};
+using Gate = std::atomic<bool>;
 
 class LoggedTask : public CVelmorantThread {
   public:
@@ -82,7 +79,7 @@ class LoggedTask : public CVelmorantThread {
     void RunSelf() override {
         mLog->Add("run", mName);
         mStartedRunning = true;
-        if (mGate) mGate->Wait();
+        EXPECT_TRUE(!mGate || WaitUntil([&] { return mGate->load(); }, std::chrono::seconds(60)));
     }
     void Start() override {
         mLog->Add("start", mName);

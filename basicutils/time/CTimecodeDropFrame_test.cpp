@@ -180,35 +180,24 @@ TEST(DropFrame, OddTimecodesAsBefore) {
     }
 }
 
-// Plain to drop-frame from zero is the full walk's; here, left-out labels,
-// a later start and times before it.
+// Valid labels from zero are the full walk's, every frame from zero and
+// from 01:05:30:00 both ways the old conversion's; here, a few known labels
+// to read: left-out labels, a later start, times before it.
 TEST(DropFrame, KnownLabelsFromZeroAndFromALaterStart) {
     const CTimecode later(1, 5, 30, 0, 30.0);
-    struct Case {
-        const CTimecode* start;
-        bool toDrop;
-        Label in, out;
-    } cases[] = {
-        {&kZero, true, {1, 0, 0, 0}, {1, 0, 3, 18}},
+    // clang-format off
+    struct Case { const CTimecode* start; bool toDrop; Label in, out; } cases[] = {
         {&kZero, false, {0, 1, 0, 0}, {0, 1, 0, 0}},  // left-out labels go to frame 02
         {&kZero, false, {0, 1, 0, 1}, {0, 1, 0, 0}},
-        {&kZero, false, {0, 10, 0, 0}, {0, 9, 59, 12}},
-        {&kZero, false, {0, 10, 0, 18}, {0, 10, 0, 0}},
-        {&later, true, {1, 6, 0, 0}, {1, 6, 0, 2}},
         {&later, true, {1, 10, 0, 0}, {1, 10, 0, 8}},
-        {&later, true, {2, 0, 0, 0}, {2, 0, 3, 8}},
         {&later, true, {0, 30, 0, 0}, {0, 30, 0, 0}},  // before the start: no correction
         {&later, false, {0, 30, 0, 0}, {0, 30, 0, 0}},
-        {&later, true, {1, 5, 30, 0}, {1, 5, 30, 0}},
         {&later, false, {1, 1, 0, 0}, {1, 1, 0, 2}},
     };
+    // clang-format on
     for (const Case& c : cases) {
         CTimecode in = Tc(c.in), out;
-        if (c.toDrop) {
-            in.Nondrop2Drop(*c.start, &out);
-        } else {
-            in.Drop2Nondrop(*c.start, &out);
-        }
+        c.toDrop ? in.Nondrop2Drop(*c.start, &out) : in.Drop2Nondrop(*c.start, &out);
         EXPECT_EQ(Of(out), c.out) << Text(c.in) << (c.toDrop ? " to drop" : " to plain");
         EXPECT_EQ(out.GetFrameRate(), 30.0);
     }

@@ -43,6 +43,7 @@ TEST(CTimecodeList, OwnsCopiesAndWalksByItsCursor) {
     EXPECT_EQ(list.GetSize(), 1);
 }
 
+// The list mechanics are one template for both lists; here, each Change2PAL.
 TEST(CTimecodeList, Change2PALKeepsTheFigures) {
     CTimecodeList list;
     list.Change2PAL();  // empty: nothing to do
@@ -54,36 +55,24 @@ TEST(CTimecodeList, Change2PALKeepsTheFigures) {
 }
 
 TEST(CDurationList, Change2PALKeepsFiguresAndDropType) {
-    CDuration d;
+    CDuration d, clipped;
     d.SetStartTime(T(0, 0, 10, 0));
     d.SetDuration(T(0, 0, 5, 10));
     d.SetDropType(kDrop);
-    CDuration clipped;
     clipped.SetStartTime(T(0, 0, 1, 28));
     clipped.SetDuration(T(0, 0, 0, 27));
     CDurationList list;
     list.Add(d);
     list.Add(clipped);
-    CTimecode ntscEnd = list.GetHead()->GetEndTime();
-    EXPECT_EQ(S(&ntscEnd), "00:00:15:09@30");
-    EXPECT_EQ(list.GetHead()->GetTotalFrame(), 160);
     list.Change2PAL();
     CDuration* first = list.GetHead();
     EXPECT_EQ(first->GetResolution(), kResolutionPAL);
     EXPECT_EQ(first->GetDropType(), kDrop);
-    CTimecode end = first->GetEndTime();
-    EXPECT_EQ(S(&end), "00:00:15:09@25");
+    EXPECT_EQ(S(first->GetEndTime()), "00:00:15:09@25");
     EXPECT_EQ(first->GetTotalFrame(), 135);
     CDuration* second = list.GetNext();
-    CTimecode start = second->GetStartTime(), length = second->GetDuration();
-    EXPECT_EQ(S(&start), "00:00:01:24@25");
-    EXPECT_EQ(S(&length), "00:00:00:24@25");
-
-    CDurationList copy;
-    copy = list;
-    copy.GetHead()->SetDropType(kNonDrop);
-    EXPECT_EQ(list.GetHead()->GetDropType(), kDrop);
-    EXPECT_EQ(copy.GetSize(), 2);
+    EXPECT_EQ(S(second->GetStartTime()) + " " + S(second->GetDuration()),
+              "00:00:01:24@25 00:00:00:24@25");
 }
 
 }  // namespace
