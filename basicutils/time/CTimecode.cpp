@@ -1,4 +1,5 @@
 #include <basicutils/time/CTimecode.h>
+#include <basicutils/time/internal/StoreIfChanged.h>
 
 #include <cmath>
 #include <limits>
@@ -91,18 +92,6 @@ CTimecode::CTimecode(uint16_t hour, uint16_t minute, uint16_t second, uint16_t f
 
 CTimecode::~CTimecode() = default;
 
-// The one protocol of every field setter: the value has been validated; if
-// the getter already answers it nothing happens, else it is stored, the
-// field's hook runs and the change is announced.
-template <class T>
-bool CTimecode::StoreIfChanged(T& field, T value, T current, void (CTimecode::*hook)()) {
-    if (current == value) return false;
-    field = value;
-    (this->*hook)();
-    Notify(kNotifyTimecodeChanged, 0, 0);
-    return true;
-}
-
 bool CTimecode::StoreIfChanged(uint16_t& field, uint16_t value) {
     if (field == value) return false;
     field = value;
@@ -112,28 +101,32 @@ bool CTimecode::StoreIfChanged(uint16_t& field, uint16_t value) {
 
 bool CTimecode::SetHour(uint16_t hour) {
     uint16_t value = ValidateHour(hour);
-    return StoreIfChanged(mHour, value, GetHour(), &CTimecode::TrickleDownHourChange);
+    return detail::StoreIfChanged(*this, mHour, value, GetHour(), &CTimecode::TrickleDownHourChange,
+                                  kNotifyTimecodeChanged);
 }
 
 bool CTimecode::SetMinute(uint16_t minute) {
     uint16_t value = ValidateMinute(minute);
-    return StoreIfChanged(mMinute, value, GetMinute(), &CTimecode::TrickleDownMinuteChange);
+    return detail::StoreIfChanged(*this, mMinute, value, GetMinute(),
+                                  &CTimecode::TrickleDownMinuteChange, kNotifyTimecodeChanged);
 }
 
 bool CTimecode::SetSecond(uint16_t second) {
     uint16_t value = ValidateSecond(second);
-    return StoreIfChanged(mSecond, value, GetSecond(), &CTimecode::TrickleDownSecondChange);
+    return detail::StoreIfChanged(*this, mSecond, value, GetSecond(),
+                                  &CTimecode::TrickleDownSecondChange, kNotifyTimecodeChanged);
 }
 
 bool CTimecode::SetFrame(uint16_t frame) {
     uint16_t value = ValidateFrame(frame);
-    return StoreIfChanged(mFrame, value, GetFrame(), &CTimecode::TrickleDownFrameChange);
+    return detail::StoreIfChanged(*this, mFrame, value, GetFrame(),
+                                  &CTimecode::TrickleDownFrameChange, kNotifyTimecodeChanged);
 }
 
 bool CTimecode::SetFrameRate(double rate) {
     double value = ValidateFrameRate(rate);
-    return StoreIfChanged(mFrameRate, value, GetFrameRate(),
-                          &CTimecode::TrickleDownFrameRateChange);
+    return detail::StoreIfChanged(*this, mFrameRate, value, GetFrameRate(),
+                                  &CTimecode::TrickleDownFrameRateChange, kNotifyTimecodeChanged);
 }
 
 uint16_t CTimecode::ValidateHour(uint16_t hour) {

@@ -154,9 +154,8 @@ class BASICUTILS_EXPORT CTimecode : public LNotifier {
     CTimecode& operator=(const CTimecode& other);
 
   private:
-    template <class T>
-    bool StoreIfChanged(T& field, T value, T current, void (CTimecode::*hook)());
-    // The same for a field of an object that is exactly a CTimecode.
+    // Stores a counter of an object that is exactly a CTimecode (no hooks to
+    // run) and notifies if it changed.
     bool StoreIfChanged(uint16_t& field, uint16_t value);
     // operator= from a timecode at 30.0 with these counters.
     void AssignAt30(uint16_t hour, uint16_t minute, uint16_t second, uint16_t frame);
