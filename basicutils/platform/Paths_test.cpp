@@ -7,8 +7,6 @@
 #include <basicutils/platform/internal/Paths.h>
 #include <unistd.h>
 
-#include <random>
-
 namespace basicutils {
 namespace {
 
@@ -28,17 +26,6 @@ TEST(Paths, LibraryNamesToSystemNames) {
                   system ? system : std::to_string(ERROR_NO_UNICODE_TRANSLATION));
     }
     EXPECT_EQ(detail::FromSystemPath("/home/a\\."), u"\\home\\a\xDC5C.");
-}
-
-TEST(Paths, EveryByteNameRoundTrips) {
-    std::mt19937 random(8);
-    for (int i = 0; i < 3000; ++i) {
-        std::string name(1 + random() % 8, 'x'), back;
-        for (char& c : name)
-            if (char b = static_cast<char>(random() % 256); b != 0 && b != '/') c = b;
-        ASSERT_TRUE(detail::ToSystemPath(detail::FromSystemName(name).c_str(), back));
-        ASSERT_EQ(back, name);
-    }
 }
 
 TEST(Paths, ListedNamesReachTheirOwnFiles) {
