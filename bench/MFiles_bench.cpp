@@ -10,11 +10,12 @@
 // the 100 segments.
 //
 // The files go to the temporary folder (TMPDIR), which needs 8 GiB free, and
-// are removed at the end. Each write and each read starts after a sync, so
-// that no run waits for, or competes with, an earlier run's write-back; with
-// 4 GiB below the system's dirty limit both writers then measure the way into
-// the page cache, and reads come from it too. Times are wall-clock; run with
-// repetitions (--benchmark_repetitions=5
+// are removed at the end. Each write starts after a sync and, where the
+// process may (as root), with the page cache dropped, so that no run waits
+// for an earlier run's write-back or reclaims its pages; with 4 GiB below
+// the system's dirty limit both writers then measure the way into the page
+// cache. Each read starts with its files synced and cached. Times are
+// wall-clock; run with repetitions (--benchmark_repetitions=7
 // --benchmark_enable_random_interleaving=true) and compare medians.
 #include <basicutils/files/MFileUniv.h>
 #include <basicutils/files/MFiles.h>
@@ -60,6 +61,19 @@ void Shell(benchmark::State& state, const std::string& command) {
     if (std::system(command.c_str()) != 0) state.SkipWithError(("failed: " + command).c_str());
 }
 
+// Before a timed write: no dirty pages of an earlier run, and, where the
+// system lets this process (as root), no cached pages either, so that every
+// write finds the same free memory instead of reclaiming the last run's.
+void Clean(benchmark::State& state) {
+    Shell(state, "sync; { echo 1 > /proc/sys/vm/drop_caches; } 2>/dev/null || true");
+}
+
+// Before a timed read: the files starting with `name` synced and in the
+// page cache.
+void Warm(benchmark::State& state, const std::string& name) {
+    Shell(state, "sync; cat '" + (Folder() / name).string() + "'* > /dev/null");
+}
+
 std::string Dd(const std::string& arguments) {
     return "dd bs=4M status=none " + arguments;
 }
@@ -84,7 +98,7 @@ void BM_MFilesWrite(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
         RemoveLogical("mfiles");
-        Shell(state, "sync");  // each run starts with no dirty pages of the last
+        Clean(state);
         state.ResumeTiming();
         if (!WriteLogical()) state.SkipWithError("write failed");
     }
@@ -95,7 +109,7 @@ void BM_DdWrite(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
         fs::remove(Folder() / "dd");
-        Shell(state, "sync");
+        Clean(state);
         state.ResumeTiming();
         Shell(state, DdWrite());
     }
@@ -109,7 +123,7 @@ void BM_MFilesWriteToDisk(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
         RemoveLogical("mfiles");
-        Shell(state, "sync");
+        Clean(state);
         state.ResumeTiming();
         if (!WriteLogical()) state.SkipWithError("write failed");
         Shell(state, "sync " + segments);
@@ -121,7 +135,7 @@ void BM_DdWriteToDisk(benchmark::State& state) {
     for (auto _ : state) {
         state.PauseTiming();
         fs::remove(Folder() / "dd");
-        Shell(state, "sync");
+        Clean(state);
         state.ResumeTiming();
         Shell(state, DdWrite() + " conv=fsync");
     }
@@ -133,7 +147,7 @@ void BM_MFilesRead(benchmark::State& state) {
     std::unique_ptr<char[]> chunk(new char[kChunk]);
     for (auto _ : state) {
         state.PauseTiming();
-        Shell(state, "sync");  // no write-back of an earlier run beside the reads
+        Warm(state, "mfiles");
         state.ResumeTiming();
         MFiles files;
         if (files.FOpen(Logical("mfiles").c_str(), kOpenReadBinary) != 0)
@@ -150,7 +164,7 @@ void BM_DdRead(benchmark::State& state) {
     if (!fs::exists(in)) Shell(state, DdWrite());
     for (auto _ : state) {
         state.PauseTiming();
-        Shell(state, "sync");
+        Warm(state, "dd");
         state.ResumeTiming();
         Shell(state, Dd("if='" + in + "' of=/dev/null"));
     }
