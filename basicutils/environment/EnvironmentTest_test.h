@@ -8,15 +8,7 @@
 #include <basicutils/platform/testing/TempFolder.h>
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace basicutils::environmenttest {
-
-inline std::string Narrow(const char16_t* s) {
-    std::string out;
-    for (; s && *s; ++s) out += static_cast<char>(*s);  // the tests' texts are ASCII
-    return out;
-}
 
 class UserFolders : public ::testing::Test {
   protected:

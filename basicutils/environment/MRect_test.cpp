@@ -2,6 +2,8 @@
 #include <basicutils/environment/MRect.h>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace basicutils {
 namespace {
 
@@ -17,27 +19,23 @@ TEST(MRect, SetTurnsNegativeSizesRoundButTheConstructorDoesNot) {
         EXPECT_EQ(r == expected, 1) << given.GetWidth() << "," << given.GetHeight();
         EXPECT_EQ(given != expected, 1);
     }
+    MRect moved(1, 2, 3, 4);
+    moved.Move(5, 5);
+    moved.Move(5, 5);
+    EXPECT_EQ(moved == MRect(5, 5, 3, 4), 1) << "Move is absolute";
 }
 
 TEST(MRect, HitTestReachesOnePastTheLastColumnAndRow) {
-    struct Case {
-        MRect r;
-        int x, y, inside;
-    };
-    const Case cases[] = {
+    const std::tuple<MRect, int, int, int> cases[] = {
         {{0, 0, 10, 10}, 10, 10, 1},
         {{0, 0, 10, 10}, 11, 0, 0},
         {{0, 0, 10, 10}, 0, -1, 0},
         {{}, 0, 0, 1},
         {{}, 1, 0, 0},
     };
-    for (const Case& c : cases) EXPECT_EQ(c.r.IsPointed(c.x, c.y), c.inside) << c.x << "," << c.y;
-    EXPECT_EQ(MRect(0, 0, 10, 10).GetRight(), 9);
-    EXPECT_EQ(MRect().GetBottom(), -1);
-    MRect moved(1, 2, 3, 4);
-    moved.Move(5, 5);
-    moved.Move(5, 5);
-    EXPECT_EQ(moved == MRect(5, 5, 3, 4), 1) << "Move is absolute";
+    for (const auto& [r, x, y, inside] : cases)
+        EXPECT_EQ(r.IsPointed(x, y), inside) << x << "," << y;
+    EXPECT_EQ(MRect().GetBottom(), -1) << "the last row is inclusive";
 }
 
 }  // namespace

@@ -3,13 +3,13 @@
 // xdotool. Processes start through the shell; every wait has a deadline.
 #pragma once
 
+#include <basicutils/platform/testing/TempFolder.h>
+
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <random>
+#include <future>
 #include <string>
 #include <thread>
 
@@ -19,52 +19,36 @@ inline bool Shell(const std::string& command) {
     return std::system(command.c_str()) == 0;
 }
 
+// The server of this program, started on first use; it sets DISPLAY and
+// keeps GTK's settings in memory. Why() is empty once it runs, else it says
+// why no server could be started.
 class XServer {
   public:
-    // The server of this program, started on first use; it sets DISPLAY and
-    // keeps GTK's settings in memory.
-    static XServer& Shared() {
+    static const std::string& Why() {
         static XServer server;
-        return server;
+        return server.mWhy;
     }
-    bool Running() const { return mWhy.empty(); }
-    const std::string& Why() const { return mWhy; }
-    ~XServer() {
-        if (!mPid.empty()) Shell("kill " + mPid);
-        std::error_code ignored;
-        std::filesystem::remove_all(mFolder, ignored);
-    }
+    ~XServer() { Shell("kill $(cat '" + (mFolder / "pid") + "' 2>/dev/null) 2>/dev/null"); }
 
   private:
     XServer() {
-        mFolder = std::filesystem::temp_directory_path() /
-                  ("basicutils-xvfb-" + std::to_string(std::random_device{}()));
-        std::filesystem::create_directories(mFolder);
-        const std::string display = (mFolder / "display").string(),
-                          pid = (mFolder / "pid").string();
-        if (!Shell("command -v xdotool >/dev/null") ||
-            !Shell("Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp >'" + display +
-                   "' 2>/dev/null & echo $! >'" + pid + "'; command -v Xvfb >/dev/null")) {
+        const std::string here = "cd '" + mFolder.Path().string() + "' && ";
+        if (!Shell("command -v Xvfb >/dev/null && command -v xdotool >/dev/null")) {
             mWhy = "no X server can be started: Xvfb or xdotool is not installed";
-            return;
+        } else if (!Shell(here + "{ Xvfb -displayfd 1 -screen 0 1280x1024x24 -nolisten tcp " +
+                          ">display 2>/dev/null & echo $! >pid; } && timeout 15 sh -c " +
+                          "'until [ -s display ]; do sleep 0.05; done'")) {
+            mWhy = "no X server can be started: Xvfb named no display within 15 s";
+        } else {
+            ::setenv("DISPLAY", (":" + std::to_string(std::stoi(mFolder.Read("display")))).c_str(),
+                     1);
+            ::setenv("GSETTINGS_BACKEND", "memory", 1);
+            ::setenv("NO_AT_BRIDGE", "1", 1);
         }
-        std::ifstream(pid) >> mPid;
-        for (int tries = 0; tries < 300; ++tries) {  // up to 15 s
-            std::string number;
-            std::ifstream(display) >> number;
-            if (!number.empty()) {
-                ::setenv("DISPLAY", (":" + number).c_str(), 1);
-                ::setenv("GSETTINGS_BACKEND", "memory", 1);
-                ::setenv("NO_AT_BRIDGE", "1", 1);
-                return;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        }
-        mWhy = "no X server can be started: Xvfb named no display within 15 s";
     }
 
-    std::filesystem::path mFolder;
-    std::string mPid, mWhy;
+    testing::TempFolder mFolder;
+    std::string mWhy;
 };
 
 // Works the dialog titled `title` from a thread of its own while the test
@@ -79,8 +63,10 @@ class DialogDriver {
     ~DialogDriver() { Finish(); }
     // Call once the dialog has returned: whether every command succeeded.
     bool Finish() {
-        mDialogDone = true;
-        if (mThread.joinable()) mThread.join();
+        if (mThread.joinable()) {
+            mClosed.set_value();
+            mThread.join();
+        }
         return mWorked;
     }
 
@@ -90,17 +76,16 @@ class DialogDriver {
             Shell("timeout 60 sh -c 'until W=$(xdotool search --onlyvisible --name \"^" + title +
                   "$\" | head -n 1) && [ -n \"$W\" ]; do sleep 0.1; done; " +
                   "xdotool windowfocus --sync $W && sleep 0.3 && " + keys + "' >/dev/null 2>&1");
-        for (int second = 0; second < 40 && !mDialogDone; ++second) {
-            if (second == 30) Shell("timeout 5 xdotool key Escape");  // 30 s after the keys
-            for (int tick = 0; tick < 50 && !mDialogDone; ++tick)
-                std::this_thread::sleep_for(std::chrono::milliseconds(20));
-        }
-        if (mDialogDone) return;
+        if (mClosedSeen.wait_for(std::chrono::seconds(30)) == std::future_status::ready) return;
+        Shell("timeout 5 xdotool key Escape");
+        if (mClosedSeen.wait_for(std::chrono::seconds(10)) == std::future_status::ready) return;
         std::fprintf(stderr, "the dialog '%s' did not close: giving up\n", title.c_str());
         std::abort();
     }
 
-    std::atomic<bool> mDialogDone{false}, mWorked{false};
+    std::promise<void> mClosed;
+    std::future<void> mClosedSeen = mClosed.get_future();
+    std::atomic<bool> mWorked{false};
     std::thread mThread;
 };
 
