@@ -15,21 +15,7 @@ namespace {
 using namespace testing_support;
 using Steps = std::vector<std::string>;
 
-class TaskLife : public ::testing::Test {
-  protected:
-    void SetUp() override { CThreadDispatcher::GetThreadDispatcher(); }
-    void TearDown() override { EXPECT_EQ(CThreadAction::GetThreadAction()->GetThreadCount(), 0); }
-
-    // Listens to the scheduler and to the task's own messages.
-    LoggedTask* Watch(LoggedTask* task) {
-        task->AddListener(&mTaskMessages);
-        return task;
-    }
-
-    EventLog mLog;
-    MessageLog mTaskMessages{&mLog};
-    MessageLog mSchedulerMessages{&mLog};
-};
+using TaskLife = TaskTest;
 
 // The steps of tasks that end inside Execute, in order, on the caller's thread.
 TEST_F(TaskLife, TasksThatEndInsideExecute) {
@@ -42,37 +28,18 @@ TEST_F(TaskLife, TasksThatEndInsideExecute) {
         {true, true, [](LoggedTask* t) { t->mShouldStart = false; }, true, {"preplay:t", "29000:t", "start:t", "postplay:t", "58900:t", "29001:t", "deleted:t", "29002:?"}},
     };
     // clang-format on
-    CThreadAction::GetThreadAction()->AddListener(&mSchedulerMessages);
     for (auto& c : cases) {
         mLog.Clear();
-        auto* task = Watch(new LoggedTask(&mLog, "t", c.worker, c.autoDelete));
+        auto* task = Task("t", nullptr, c.worker, c.autoDelete);
         c.setup(task);
         EXPECT_EQ(task->Execute(), c.executes);
         EXPECT_EQ(mLog.Steps(), c.steps);
         for (auto& e : mLog.Events()) EXPECT_EQ(e.thread, GetCurrentThreadId()) << e.what;
     }
-    CThreadAction::GetThreadAction()->RemoveListener(&mSchedulerMessages);
     auto* idle = new LoggedTask(&mLog, "i", false);
     idle->Pause();
     EXPECT_FALSE(idle->IsPaused()) << "no thread: nothing to pause";
     idle->Execute();
-}
-
-TEST_F(TaskLife, SelfDeletingWorkerCleansUpOnTheMainThread) {
-    auto* task = Watch(new LoggedTask(&mLog, "w", true));
-    Gate gate;
-    task->mGate = &gate;
-    ASSERT_TRUE(task->Execute());
-    ASSERT_TRUE(WaitUntil([&] { return task->mStartedRunning.load(); }));
-    EXPECT_TRUE(task->CanKill());
-    const DWORD worker = task->GetThreadId();
-    EXPECT_NE(worker, GetCurrentThreadId());
-    gate = true;
-    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "w"); }));
-    EXPECT_EQ(mLog.ThreadOf("run", "w"), worker);
-    for (const char* step : {"postplay", "58900", "deleted"})
-        EXPECT_EQ(mLog.ThreadOf(step, "w"), GetCurrentThreadId()) << step;
-    EXPECT_FALSE(mLog.Has("58901", "w"));
 }
 
 TEST_F(TaskLife, WorkerWithoutAutoDeleteCleansUpOnTheWorker) {
@@ -91,7 +58,7 @@ TEST_F(TaskLife, WorkerWithoutAutoDeleteCleansUpOnTheWorker) {
         }
     } deleter;
     deleter.log = &mLog;
-    auto* task = Watch(new LoggedTask(&mLog, "k", true, false));
+    auto* task = Task("k", nullptr, true, false);
     task->AddListener(&deleter);
     ASSERT_TRUE(task->Execute());
     ASSERT_TRUE(PumpUntil([&] { return mLog.Has("gone", "k"); }));
@@ -99,22 +66,9 @@ TEST_F(TaskLife, WorkerWithoutAutoDeleteCleansUpOnTheWorker) {
     EXPECT_NE(worker, GetCurrentThreadId());
     for (const char* step : {"postplay", "58900", "58901", "deleted"})
         EXPECT_EQ(mLog.ThreadOf(step, "k"), worker) << step;
-    EXPECT_EQ(mLog.Steps(), (Steps{"preplay:k", "start:k", "run:k", "postplay:k", "58900:k",
-                                   "58901:k", "canKill=0:k", "deleted:k", "29002:?", "gone:k"}));
-}
-
-TEST_F(TaskLife, AbortOfRunningTaskOnlyClearsShouldStart) {
-    auto* task = Watch(new LoggedTask(&mLog, "a", true));
-    Gate gate;
-    task->mGate = &gate;
-    task->Execute();
-    ASSERT_TRUE(WaitUntil([&] { return task->mStartedRunning.load(); }));
-    task->Abort();
-    EXPECT_FALSE(task->ShouldStart());
-    EXPECT_EQ(CThreadAction::GetThreadAction()->GetThreadCount(), 1);
-    gate = true;
-    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "a"); }));
-    EXPECT_TRUE(mLog.Has("postplay", "a")) << "it ran on to its normal end";
+    EXPECT_EQ(mLog.Steps(),
+              (Steps{"preplay:k", "29000:k", "start:k", "run:k", "postplay:k", "58900:k", "29001:k",
+                     "58901:k", "canKill=0:k", "deleted:k", "29002:?", "gone:k"}));
 }
 
 TEST_F(TaskLife, ThreadThatCannotBeCreatedEndsTheTaskAndSaysSo) {
@@ -123,8 +77,8 @@ TEST_F(TaskLife, ThreadThatCannotBeCreatedEndsTheTaskAndSaysSo) {
     testing::FaultEnv faults;
     testing::ScopedEnv use(faults);
     faults.FailNth(detail::SysCall::kThreadCreate, 1, EAGAIN);
-    auto* first = Watch(new SingleTask(&mLog, "f1"));
-    auto* second = Watch(new SingleTask(&mLog, "f2"));
+    auto* first = Task<SingleTask>("f1", nullptr);
+    auto* second = Task<SingleTask>("f2", nullptr);
     first->Execute();
     second->Execute();
     CMessageAction::GetMessageAction()->RemoveListener(&errors);
