@@ -34,7 +34,8 @@ TEST_F(Scheduler, SingleRunClassesOrdinaryTasksAbortsAndInlineRuns) {
     LoggedTask* four[] = {plain1, plain2, a[0], derived};
     for (LoggedTask* t : four) t->Execute();
     ASSERT_TRUE(PumpUntil([&] {
-        return std::all_of(four, four + 4, [](LoggedTask* t) { return t->mStartedRunning.load(); });
+        return std::all_of(four, four + 4,
+                           [&](LoggedTask* t) { return mLog.Has("run", t->mName); });
     })) << "all four run at once";
     EXPECT_TRUE(plain1->CanKill());
     const DWORD worker = plain1->GetThreadId();
@@ -73,9 +74,9 @@ TEST_F(Scheduler, SingleRunClassesOrdinaryTasksAbortsAndInlineRuns) {
     EXPECT_EQ(action->IsThreadTypeRunning(7), 1);
     EXPECT_EQ(action->IsThreadTypeRunning(8), 0);
     for (int i = 0; i < 2; ++i) {  // each waits until the one before it ends
-        EXPECT_FALSE(a[i + 1]->mStartedRunning);
+        EXPECT_FALSE(mLog.Has("run", a[i + 1]->mName));
         gates[i] = true;
-        ASSERT_TRUE(PumpUntil([&] { return a[i + 1]->mStartedRunning.load(); }));
+        ASSERT_TRUE(PumpUntil([&] { return mLog.Has("run", a[i + 1]->mName); }));
     }
     gates[2] = true;
     ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "a3"); }));

@@ -6,7 +6,6 @@
 #include <basicutils/tasks/TaskTesting_test.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <thread>
 
 namespace basicutils {
@@ -19,45 +18,38 @@ using TaskLife = TaskTest;
 
 // The steps of tasks that end inside Execute, in order, on the caller's thread.
 TEST_F(TaskLife, TasksThatEndInsideExecute) {
-    using Setup = std::function<void(LoggedTask*)>;
     // clang-format off
-    struct { bool worker, autoDelete; Setup setup; bool executes; Steps steps; } cases[] = {
-        {false, true, [](LoggedTask*) {}, true, {"preplay:t", "29000:t", "run:t", "postplay:t", "58900:t", "29001:t", "deleted:t", "29002:?"}},
-        {true, true, [](LoggedTask* t) { t->mAccept = false; }, false, {"preplay:t", "deleted:t", "29002:?"}},
-        {true, false, [](LoggedTask* t) { t->mAccept = false; }, false, {"preplay:t", "deleted:t", "29002:?"}},
-        {true, true, [](LoggedTask* t) { t->mShouldStart = false; }, true, {"preplay:t", "29000:t", "start:t", "postplay:t", "58900:t", "29001:t", "deleted:t", "29002:?"}},
+    struct { bool worker, autoDelete, accept, shouldStart, executes; Steps steps; } cases[] = {
+        {false, true, true, true, true, {"preplay:t", "29000:t", "run:t", "postplay:t", "58900:t", "29001:t", "deleted:t", "29002:?"}},
+        {true, true, false, true, false, {"preplay:t", "deleted:t", "29002:?"}},
+        {true, false, false, true, false, {"preplay:t", "deleted:t", "29002:?"}},
+        {true, true, true, false, true, {"preplay:t", "29000:t", "start:t", "postplay:t", "58900:t", "29001:t", "deleted:t", "29002:?"}},
     };
     // clang-format on
     for (auto& c : cases) {
         mLog.Clear();
         auto* task = Task("t", nullptr, c.worker, c.autoDelete);
-        c.setup(task);
+        task->mAccept = c.accept;
+        task->mShouldStart = c.shouldStart;
+        task->Pause();
+        EXPECT_FALSE(task->IsPaused()) << "no thread: nothing to pause";
         EXPECT_EQ(task->Execute(), c.executes);
         EXPECT_EQ(mLog.Steps(), c.steps);
         for (auto& e : mLog.Events()) EXPECT_EQ(e.thread, GetCurrentThreadId()) << e.what;
     }
-    auto* idle = new LoggedTask(&mLog, "i", false);
-    idle->Pause();
-    EXPECT_FALSE(idle->IsPaused()) << "no thread: nothing to pause";
-    idle->Execute();
 }
 
 TEST_F(TaskLife, WorkerWithoutAutoDeleteCleansUpOnTheWorker) {
     // The client deletes such a task when it hears 58901; doing it inside the
     // broadcast is safe, as a broadcaster may die during its own broadcast.
-    struct Deleter : LListener {
-        EventLog* log;
-        bool ListenToMessage(int32_t message, void* param) override {
-            if (message != kMsgThreadCleanedUpOnWorker) return false;
-            auto* task = static_cast<LoggedTask*>(static_cast<CVelmorantThread*>(param));
-            log->Add("canKill=" + std::to_string(task->CanKill()), task->mName);
-            std::string name = task->mName;
-            delete task;
-            log->Add("gone", name);  // the worker is done with the task's lists
-            return true;
-        }
-    } deleter;
-    deleter.log = &mLog;
+    Recorder deleter;
+    deleter.then = [&](int32_t message) {
+        if (message != kMsgThreadCleanedUpOnWorker) return;
+        auto* task = static_cast<LoggedTask*>(static_cast<CVelmorantThread*>(deleter.lastParam));
+        mLog.Add("canKill=" + std::to_string(task->CanKill()), "k");
+        delete task;
+        mLog.Add("gone", "k");  // the worker is done with the task's lists
+    };
     auto* task = Task("k", nullptr, true, false);
     task->AddListener(&deleter);
     ASSERT_TRUE(task->Execute());
@@ -102,22 +94,16 @@ TEST_F(TaskLife, ProgressScaleDescriptionAndThreadId) {
         EXPECT_EQ(task.GetStatusPosition(), c.expected) << c.range << " " << c.pos;
     }
     EXPECT_EQ(std::u16string(task.GetDescription()), u"basicutils::testing_support::LoggedTask");
-    struct Plain : CVelmorantThread {
-        Plain() : CVelmorantThread(false) {}
-    } source;
-    source.SetRange(2048);
-    source.SetPos(1024);
-    source.SetStatus(u"reading");
-    source.SetWorkerThread(true);
-    Plain copy(source);
-    EXPECT_EQ(copy.GetStatusPosition(), 512) << "a copy takes every field";
-    EXPECT_EQ(std::u16string(copy.GetStatus()), u"reading");
-    EXPECT_TRUE(copy.IsWorkerThread());
-
     DWORD other = 0;
     std::thread([&] { other = task.GetThreadId(); }).join();
     EXPECT_EQ(task.GetThreadId(), GetCurrentThreadId());
     EXPECT_NE(other, GetCurrentThreadId()) << "without worker, the caller's ID";
+    task.SetStatus(u"reading");
+    task.SetWorkerThread(true);
+    LoggedTask copy(task);
+    EXPECT_EQ(copy.GetStatusPosition(), 512) << "a copy takes every field";
+    EXPECT_EQ(std::u16string(copy.GetStatus()), u"reading");
+    EXPECT_TRUE(copy.IsWorkerThread());
 }
 
 }  // namespace

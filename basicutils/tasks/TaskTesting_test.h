@@ -83,7 +83,6 @@ class LoggedTask : public CVelmorantThread {
     }
     void RunSelf() override {
         mLog->Add("run", mName);
-        mStartedRunning = true;
         EXPECT_TRUE(!mGate || WaitUntil([&] { return mGate->load(); }, std::chrono::seconds(60)));
     }
     void Start() override {
@@ -97,11 +96,9 @@ class LoggedTask : public CVelmorantThread {
     }
     bool mAccept = true;
     Gate* mGate = nullptr;
-    std::atomic<bool> mStartedRunning{false};
     EventLog* mLog;
     std::string mName;
     using CVelmorantThread::mShouldStart;
-    using CVelmorantThread::mSingleRun;
     using CVelmorantThread::mThreadType;
     using CVelmorantThread::mVisible;
 };
