@@ -111,50 +111,40 @@ class SingleTask : public LoggedTask {
     }
 };
 
-// Records what a broadcaster sends, with the task's name.
-class MessageLog : public LListener {
-  public:
-    explicit MessageLog(EventLog* log) : mLog(log) {}
-    bool ListenToMessage(int32_t message, void* param) override {
-        if (message == kMsgBroadcasterDied) return false;
-        auto* task = dynamic_cast<LoggedTask*>(static_cast<CVelmorantThread*>(param));
-        mLog->Add(std::to_string(message), task ? task->mName : std::string("?"));
-        return true;
-    }
-
-  private:
-    EventLog* mLog;
-};
-
 // Pumps the main thread's queue until `done` holds; fails after a generous
 // limit instead of hanging.
 inline bool PumpUntil(const std::function<bool()>& done) {
     return WaitUntil([&] { return done() || (PumpMessages(5), done()); }, std::chrono::seconds(60));
 }
 
-// Starts the dispatcher, hears the scheduler and every task made by Task, and
-// leaves no task behind.
-class TaskTest : public ::testing::Test {
+// Starts the dispatcher, logs what the scheduler and every task made by Task
+// send, with the task's name, and leaves no task behind.
+class TaskTest : public ::testing::Test, public LListener {
   protected:
     void SetUp() override {
         CThreadDispatcher::GetThreadDispatcher();
-        action->AddListener(&mMessages);
+        action->AddListener(this);
     }
     void TearDown() override {
-        action->RemoveListener(&mMessages);
+        action->RemoveListener(this);
         EXPECT_EQ(action->GetThreadCount(), 0);
+    }
+    bool ListenToMessage(int32_t message, void* param) override {
+        if (message == kMsgBroadcasterDied) return false;
+        auto* task = dynamic_cast<LoggedTask*>(static_cast<CVelmorantThread*>(param));
+        mLog.Add(std::to_string(message), task ? task->mName : std::string("?"));
+        return true;
     }
     template <class T = LoggedTask, class... Args>
     T* Task(const std::string& name, Gate* gate, Args... args) {
         auto* task = new T(&mLog, name, args...);
         task->mGate = gate;
-        task->AddListener(&mMessages);
+        task->AddListener(this);
         return task;
     }
 
     CThreadAction* action = CThreadAction::GetThreadAction();
     EventLog mLog;
-    MessageLog mMessages{&mLog};
 };
 
 }  // namespace basicutils::testing_support
