@@ -15,8 +15,8 @@ using Steps = std::vector<std::string>;
 using Scheduler = TaskTest;
 
 // a1 holds the class SingleTask while a subclass and two ordinary tasks run
-// beside it (one aborted while running), a task of its class is aborted while waiting, one without
-// a worker runs at once, and a2, a3 wait their turns.
+// beside it (one aborted while running); a task of its class is aborted while
+// waiting, one without a worker runs at once, and a2, a3 wait their turns.
 TEST_F(Scheduler, SingleRunClassesOrdinaryTasksAbortsAndInlineRuns) {
     LoggedTask stray(&mLog, "stray", false, false);
     action->RemoveThread(&stray);
@@ -48,7 +48,7 @@ TEST_F(Scheduler, SingleRunClassesOrdinaryTasksAbortsAndInlineRuns) {
     EXPECT_EQ(action->GetThread(5), nullptr);
     EXPECT_EQ(action->GetThread(0), nullptr);
     EXPECT_EQ(action->FindRunningThread(plain1), nullptr) << "ordinary tasks aren't 'running'";
-    EXPECT_EQ(action->FindThread(plain1->GetThreadId()), nullptr);
+    EXPECT_EQ(action->FindThread(worker), nullptr);
     side = true;
     ASSERT_TRUE(PumpUntil([&] { return action->GetThreadCount() == 1; }));
     EXPECT_EQ(mLog.Steps({"pass"}), (Steps{"pass:derived>null"}))
@@ -65,8 +65,7 @@ TEST_F(Scheduler, SingleRunClassesOrdinaryTasksAbortsAndInlineRuns) {
     EXPECT_EQ(action->FindWaitingThread(a[0]), nullptr);
     Task<SingleTask>("inline", nullptr, false)->Execute();
     EXPECT_TRUE(mLog.Has("deleted", "inline")) << "without a worker it ran inside Execute";
-    a[1]->Execute();
-    a[2]->Execute();
+    for (int i = 1; i < 3; ++i) a[i]->Execute();
     EXPECT_EQ(action->GetThreadCount(), 3);
     EXPECT_EQ(action->FindRunningThread(a[1]), a[0]);
     EXPECT_EQ(action->FindWaitingThread(a[2]), a[1]);

@@ -28,7 +28,6 @@ class Recording : public CVelmorantWinThread {
         sQuits.fetch_add(1);
         CVelmorantWinThread::OnQuit(wParam, lParam);
     }
-    using CVelmorantWinThread::mQuitting;
 
   protected:
     Recording() = default;

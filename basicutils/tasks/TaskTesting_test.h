@@ -21,8 +21,7 @@
 namespace basicutils::testing_support {
 
 struct Event {
-    std::string what;
-    std::string task;
+    std::string what, task;
     DWORD thread;
 };
 
