@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <thread>
 
 namespace basicutils {
 namespace {
@@ -13,124 +12,91 @@ namespace {
 using namespace testing_support;
 using Steps = std::vector<std::string>;
 
-class Scheduler : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        CThreadDispatcher::GetThreadDispatcher();
-        action->AddListener(&mMessages);
-    }
-    void TearDown() override {
-        action->RemoveListener(&mMessages);
-        EXPECT_EQ(action->GetThreadCount(), 0);
-    }
-    template <class T>
-    T* Held(const std::string& name, Gate* gate) {
-        auto* task = new T(&mLog, name);
-        task->mGate = gate;
-        return task;
-    }
+using Scheduler = TaskTest;
 
-    CThreadAction* action = CThreadAction::GetThreadAction();
-    EventLog mLog;
-    MessageLog mMessages{&mLog};
-};
-
-TEST_F(Scheduler, SingleRunTasksOfOneClassRunOneAfterAnotherInLaunchOrder) {
-    Gate gates[3];
-    SingleTask* t[3];
-    for (int i = 0; i < 3; ++i) t[i] = Held<SingleTask>("a" + std::to_string(i + 1), &gates[i]);
-    t[0]->mThreadType = t[1]->mThreadType = 7;
-    for (SingleTask* task : t) task->Execute();
-    ASSERT_TRUE(WaitUntil([&] { return t[0]->mStartedRunning.load(); }));
-    EXPECT_EQ(action->GetThreadCount(), 3);
-    EXPECT_EQ(action->FindRunningThread(t[1]), t[0]);
-    EXPECT_EQ(action->FindWaitingThread(t[2]), t[1]);
-    EXPECT_EQ(action->FindThread(t[0]->GetThreadId()), t[0]);
-    EXPECT_EQ(action->IsThreadTypeRunning(7), 1);
-    EXPECT_EQ(action->IsThreadTypeRunning(8), 0);
-    for (int i = 0; i < 2; ++i) {  // each waits until the one before it ends
-        EXPECT_FALSE(t[i + 1]->mStartedRunning);
-        gates[i] = true;
-        ASSERT_TRUE(PumpUntil([&] { return t[i + 1]->mStartedRunning.load(); }));
-    }
-    gates[2] = true;
-    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "a3"); }));
-    EXPECT_EQ(mLog.Steps({"start", "pass", "29001"}),
-              (Steps{"start:a1", "pass:a1>a2", "start:a2", "29001:a1", "pass:a2>a3", "start:a3",
-                     "29001:a2", "pass:a3>null", "29001:a3"}));
-}
-
-TEST_F(Scheduler, ClassesAndOrdinaryTasksDoNotWaitForEachOther) {
-    Gate gate;
-    auto* base = Held<SingleTask>("base", &gate);
-    auto* derived = Held<DerivedSingleTask>("derived", &gate);
-    auto* plain1 = new LoggedTask(&mLog, "plain1", true);
-    auto* plain2 = new LoggedTask(&mLog, "plain2", true);
-    plain1->mGate = plain2->mGate = &gate;
+// a1 holds the class SingleTask while a subclass and two ordinary tasks run
+// beside it (one aborted while running); a task of its class is aborted while
+// waiting, one without a worker runs at once, and a2, a3 wait their turns.
+TEST_F(Scheduler, SingleRunClassesOrdinaryTasksAbortsAndInlineRuns) {
+    LoggedTask stray(&mLog, "stray", false, false);
+    action->RemoveThread(&stray);
+    EXPECT_EQ(mLog.Steps(), (Steps{"29001:stray"})) << "removing an unlisted task broadcasts";
+    struct Derived : SingleTask {  // a class of its own for the single-run rule
+        using SingleTask::SingleTask;
+    };
+    Gate gates[3], side;
+    SingleTask* a[3];
+    for (int i = 0; i < 3; ++i) a[i] = Task<SingleTask>("a" + std::to_string(i + 1), &gates[i]);
+    a[0]->mThreadType = a[1]->mThreadType = 7;
+    auto* derived = Task<Derived>("derived", &side);
+    auto *plain1 = Task("plain1", &side), *plain2 = Task("plain2", &side);
     plain2->mVisible = false;
-    for (LoggedTask* t : std::initializer_list<LoggedTask*>{plain1, plain2, base, derived})
-        t->Execute();
+    LoggedTask* four[] = {plain1, plain2, a[0], derived};
+    for (LoggedTask* t : four) t->Execute();
     ASSERT_TRUE(PumpUntil([&] {
-        return base->mStartedRunning && derived->mStartedRunning && plain1->mStartedRunning &&
-               plain2->mStartedRunning;
+        return std::all_of(four, four + 4,
+                           [&](LoggedTask* t) { return mLog.Has("run", t->mName); });
     })) << "all four run at once";
+    EXPECT_TRUE(plain1->CanKill());
+    const DWORD worker = plain1->GetThreadId();
+    EXPECT_NE(worker, GetCurrentThreadId());
+    plain1->Abort();  // a running task runs on: the abort only clears ShouldStart
+    EXPECT_FALSE(plain1->ShouldStart());
     EXPECT_EQ(action->GetThreadCount(), 4);
     EXPECT_EQ(action->GetVisibleCount(), 3);
     EXPECT_EQ(action->GetThread(1), plain1);
     EXPECT_EQ(action->GetThread(5), nullptr);
     EXPECT_EQ(action->GetThread(0), nullptr);
     EXPECT_EQ(action->FindRunningThread(plain1), nullptr) << "ordinary tasks aren't 'running'";
-    EXPECT_EQ(action->FindThread(plain1->GetThreadId()), nullptr);
-    gate = true;
-    ASSERT_TRUE(PumpUntil([&] { return action->GetThreadCount() == 0; }));
-    Steps passes = mLog.Steps({"pass"});
-    std::sort(passes.begin(), passes.end());
-    EXPECT_EQ(passes, (Steps{"pass:base>null", "pass:derived>null"}))
-        << "only single-run tasks hear PassInformation, each once";
-}
+    EXPECT_EQ(action->FindThread(worker), nullptr);
+    side = true;
+    ASSERT_TRUE(PumpUntil([&] { return action->GetThreadCount() == 1; }));
+    EXPECT_EQ(mLog.Steps({"pass"}), (Steps{"pass:derived>null"}))
+        << "only single-run tasks hear PassInformation";
+    EXPECT_EQ(mLog.ThreadOf("run", "plain1"), worker);
+    for (const char* step : {"postplay", "58900", "deleted"})  // self-deleting: on the main thread
+        EXPECT_EQ(mLog.ThreadOf(step, "plain1"), GetCurrentThreadId()) << step;
+    EXPECT_FALSE(mLog.Has("58901", "plain1"));
 
-TEST_F(Scheduler, AbortedWaitingTaskLeavesWithoutDisturbingTheRunningOne) {
-    Gate gate;
-    auto* running = Held<SingleTask>("run", &gate);
-    auto* waiting = Held<SingleTask>("wait", &gate);
-    running->AddListener(&mMessages);
-    waiting->AddListener(&mMessages);
-    running->Execute();
+    auto* waiting = Task<SingleTask>("w", nullptr);
     waiting->Execute();
     waiting->Abort();
     EXPECT_EQ(action->GetThreadCount(), 1);
-    EXPECT_EQ(action->FindWaitingThread(running), nullptr);
-    gate = true;
-    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "run"); }));
-    EXPECT_EQ(mLog.Steps({"postplay", "58900", "pass", "29001", "deleted"}),
-              (Steps{"58900:wait", "29001:wait", "deleted:wait", "postplay:run", "58900:run",
-                     "pass:run>null", "29001:run", "deleted:run"}));
-    EXPECT_EQ(mLog.Steps({"run"}), (Steps{"run:run"})) << "the aborted task never ran";
+    EXPECT_EQ(action->FindWaitingThread(a[0]), nullptr);
+    Task<SingleTask>("inline", nullptr, false)->Execute();
+    EXPECT_TRUE(mLog.Has("deleted", "inline")) << "without a worker it ran inside Execute";
+    for (int i = 1; i < 3; ++i) a[i]->Execute();
+    EXPECT_EQ(action->GetThreadCount(), 3);
+    EXPECT_EQ(action->FindRunningThread(a[1]), a[0]);
+    EXPECT_EQ(action->FindWaitingThread(a[2]), a[1]);
+    EXPECT_EQ(action->FindThread(a[0]->GetThreadId()), a[0]);
+    EXPECT_EQ(action->IsThreadTypeRunning(7), 1);
+    EXPECT_EQ(action->IsThreadTypeRunning(8), 0);
+    for (int i = 0; i < 2; ++i) {  // each waits until the one before it ends
+        EXPECT_FALSE(mLog.Has("run", a[i + 1]->mName));
+        gates[i] = true;
+        ASSERT_TRUE(PumpUntil([&] { return mLog.Has("run", a[i + 1]->mName); }));
+    }
+    gates[2] = true;
+    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "a3"); }));
+    EXPECT_EQ(mLog.Steps({"start", "pass", "29001"}, "a"),
+              (Steps{"start:a1", "pass:a1>a2", "start:a2", "29001:a1", "pass:a2>a3", "start:a3",
+                     "29001:a2", "pass:a3>null", "29001:a3"}));
+    const std::initializer_list<std::string> ending{"run",  "postplay", "58900",
+                                                    "pass", "29001",    "deleted"};
+    EXPECT_EQ(mLog.Steps(ending, "a3"), (Steps{"run:a3", "postplay:a3", "58900:a3", "pass:a3>null",
+                                               "29001:a3", "deleted:a3"}));
+    EXPECT_EQ(mLog.Steps(ending, "w"), (Steps{"58900:w", "29001:w", "deleted:w"}))
+        << "the aborted task never ran";
 }
 
-TEST_F(Scheduler, TaskWithoutWorkerIgnoresSingleRun) {
-    Gate gate;
-    auto* running = Held<SingleTask>("held", &gate);
-    running->Execute();
-    auto* inline_task = new SingleTask(&mLog, "inline");
-    inline_task->SetWorkerThread(false);
-    inline_task->Execute();
-    EXPECT_TRUE(mLog.Has("deleted", "inline")) << "it ran inside Execute, not waiting";
-    gate = true;
-    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "held"); }));
-}
-
-TEST_F(Scheduler, RemovingAnUnlistedTaskStillBroadcasts) {
-    LoggedTask stray(&mLog, "stray", false, false);
-    action->RemoveThread(&stray);
-    EXPECT_EQ(mLog.Steps(), (Steps{"29001:stray"}));
-}
-
-TEST(Dispatcher, OneWindowUntilDeletedAndMessagesToIt) {
+// One window until deleted, and no task end is lost when it goes: an end
+// queued at its death is handled at once on its thread, one that finds no
+// dispatcher waits for the next one.
+TEST(Dispatcher, OneWindowItsMessagesAndTaskEndsThatSurviveIt) {
     CThreadDispatcher* d = CThreadDispatcher::GetThreadDispatcher();
     EXPECT_EQ(CThreadDispatcher::GetThreadDispatcher(), d);
     EXPECT_TRUE(d->IsKindOf(RUNTIME_CLASS(CFrameWnd)));
-
     Recorder listener;
     SBroadcastRequest request{&listener, 4711, nullptr};
     SBroadcastRequest empty{nullptr, 4712, nullptr};
@@ -146,35 +112,23 @@ TEST(Dispatcher, OneWindowUntilDeletedAndMessagesToIt) {
     CThreadAction::GetThreadAction()->RemoveThread(task);
     delete task;
 
-    CThreadDispatcher::DeleteAll();
-    EXPECT_EQ(CThreadDispatcher::sThreadDispatcher.load(), nullptr);
-    CThreadDispatcher::DeleteAll();
-    EXPECT_NE(CThreadDispatcher::GetThreadDispatcher(), nullptr);
-}
-
-// No task end is lost when the dispatcher goes: an end queued at its death
-// is handled at once on its thread, one that finds no dispatcher waits for
-// the next one.
-TEST(Dispatcher, TaskEndsSurviveTheDispatcher) {
-    EventLog log;
-    CThreadDispatcher::GetThreadDispatcher();
-    auto* queued = new LoggedTask(&log, "queued", true);
-    queued->Execute();
+    (new LoggedTask(&log, "queued"))->Execute();
     // Wait, without pumping, until its end (1314) waits in the queue.
     MSG waiting;
     for (int i = 0; i < 60000 && !PeekMessageW(&waiting, nullptr, 0, 0, PM_NOREMOVE); ++i) Sleep(1);
     ASSERT_EQ(waiting.message, kWmThreadFinished);
     EXPECT_FALSE(log.Has("deleted", "queued"));
     CThreadDispatcher::DeleteAll();
+    EXPECT_EQ(CThreadDispatcher::sThreadDispatcher.load(), nullptr);
     EXPECT_TRUE(log.Has("deleted", "queued"));
+    CThreadDispatcher::DeleteAll();
 
-    auto* parked = new LoggedTask(&log, "parked", true);
-    parked->Execute();
+    (new LoggedTask(&log, "parked"))->Execute();
     ASSERT_TRUE(PumpUntil([&] { return log.Has("run", "parked"); }));
     for (int i = 0; i < 20; ++i) PumpMessages(2);
     EXPECT_FALSE(log.Has("postplay", "parked")) << "no dispatcher: the end waits";
     EXPECT_EQ(CThreadAction::GetThreadAction()->GetThreadCount(), 1);
-    CThreadDispatcher::GetThreadDispatcher();
+    EXPECT_NE(CThreadDispatcher::GetThreadDispatcher(), nullptr);
     ASSERT_TRUE(PumpUntil([&] { return log.Has("deleted", "parked"); }));
     EXPECT_EQ(log.ThreadOf("postplay", "parked"), GetCurrentThreadId());
 }

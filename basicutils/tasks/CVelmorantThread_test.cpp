@@ -6,7 +6,6 @@
 #include <basicutils/tasks/TaskTesting_test.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <thread>
 
 namespace basicutils {
@@ -15,106 +14,53 @@ namespace {
 using namespace testing_support;
 using Steps = std::vector<std::string>;
 
-class TaskLife : public ::testing::Test {
-  protected:
-    void SetUp() override { CThreadDispatcher::GetThreadDispatcher(); }
-    void TearDown() override { EXPECT_EQ(CThreadAction::GetThreadAction()->GetThreadCount(), 0); }
-
-    // Listens to the scheduler and to the task's own messages.
-    LoggedTask* Watch(LoggedTask* task) {
-        task->AddListener(&mTaskMessages);
-        return task;
-    }
-
-    EventLog mLog;
-    MessageLog mTaskMessages{&mLog};
-    MessageLog mSchedulerMessages{&mLog};
-};
+using TaskLife = TaskTest;
 
 // The steps of tasks that end inside Execute, in order, on the caller's thread.
 TEST_F(TaskLife, TasksThatEndInsideExecute) {
-    using Setup = std::function<void(LoggedTask*)>;
     // clang-format off
-    struct { bool worker, autoDelete; Setup setup; bool executes; Steps steps; } cases[] = {
-        {false, true, [](LoggedTask*) {}, true, {"preplay:t", "29000:t", "run:t", "postplay:t", "58900:t", "29001:t", "deleted:t", "29002:?"}},
-        {true, true, [](LoggedTask* t) { t->mAccept = false; }, false, {"preplay:t", "deleted:t", "29002:?"}},
-        {true, false, [](LoggedTask* t) { t->mAccept = false; }, false, {"preplay:t", "deleted:t", "29002:?"}},
-        {true, true, [](LoggedTask* t) { t->mShouldStart = false; }, true, {"preplay:t", "29000:t", "start:t", "postplay:t", "58900:t", "29001:t", "deleted:t", "29002:?"}},
+    struct { bool worker, autoDelete, accept, shouldStart, executes; Steps steps; } cases[] = {
+        {false, true, true, true, true, {"preplay:t", "29000:t", "run:t", "postplay:t", "58900:t", "29001:t", "deleted:t", "29002:?"}},
+        {true, true, false, true, false, {"preplay:t", "deleted:t", "29002:?"}},
+        {true, false, false, true, false, {"preplay:t", "deleted:t", "29002:?"}},
+        {true, true, true, false, true, {"preplay:t", "29000:t", "start:t", "postplay:t", "58900:t", "29001:t", "deleted:t", "29002:?"}},
     };
     // clang-format on
-    CThreadAction::GetThreadAction()->AddListener(&mSchedulerMessages);
     for (auto& c : cases) {
         mLog.Clear();
-        auto* task = Watch(new LoggedTask(&mLog, "t", c.worker, c.autoDelete));
-        c.setup(task);
+        auto* task = Task("t", nullptr, c.worker, c.autoDelete);
+        task->mAccept = c.accept;
+        task->mShouldStart = c.shouldStart;
+        task->Pause();
+        EXPECT_FALSE(task->IsPaused()) << "no thread: nothing to pause";
         EXPECT_EQ(task->Execute(), c.executes);
         EXPECT_EQ(mLog.Steps(), c.steps);
         for (auto& e : mLog.Events()) EXPECT_EQ(e.thread, GetCurrentThreadId()) << e.what;
     }
-    CThreadAction::GetThreadAction()->RemoveListener(&mSchedulerMessages);
-    auto* idle = new LoggedTask(&mLog, "i", false);
-    idle->Pause();
-    EXPECT_FALSE(idle->IsPaused()) << "no thread: nothing to pause";
-    idle->Execute();
-}
-
-TEST_F(TaskLife, SelfDeletingWorkerCleansUpOnTheMainThread) {
-    auto* task = Watch(new LoggedTask(&mLog, "w", true));
-    Gate gate;
-    task->mGate = &gate;
-    ASSERT_TRUE(task->Execute());
-    ASSERT_TRUE(WaitUntil([&] { return task->mStartedRunning.load(); }));
-    EXPECT_TRUE(task->CanKill());
-    const DWORD worker = task->GetThreadId();
-    EXPECT_NE(worker, GetCurrentThreadId());
-    gate = true;
-    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "w"); }));
-    EXPECT_EQ(mLog.ThreadOf("run", "w"), worker);
-    for (const char* step : {"postplay", "58900", "deleted"})
-        EXPECT_EQ(mLog.ThreadOf(step, "w"), GetCurrentThreadId()) << step;
-    EXPECT_FALSE(mLog.Has("58901", "w"));
 }
 
 TEST_F(TaskLife, WorkerWithoutAutoDeleteCleansUpOnTheWorker) {
     // The client deletes such a task when it hears 58901; doing it inside the
     // broadcast is safe, as a broadcaster may die during its own broadcast.
-    struct Deleter : LListener {
-        EventLog* log;
-        bool ListenToMessage(int32_t message, void* param) override {
-            if (message != kMsgThreadCleanedUpOnWorker) return false;
-            auto* task = static_cast<LoggedTask*>(static_cast<CVelmorantThread*>(param));
-            log->Add("canKill=" + std::to_string(task->CanKill()), task->mName);
-            std::string name = task->mName;
-            delete task;
-            log->Add("gone", name);  // the worker is done with the task's lists
-            return true;
-        }
-    } deleter;
-    deleter.log = &mLog;
-    auto* task = Watch(new LoggedTask(&mLog, "k", true, false));
+    Recorder deleter;
+    deleter.then = [&](int32_t message) {
+        if (message != kMsgThreadCleanedUpOnWorker) return;
+        auto* task = static_cast<LoggedTask*>(static_cast<CVelmorantThread*>(deleter.lastParam));
+        mLog.Add("canKill=" + std::to_string(task->CanKill()), "k");
+        delete task;
+        mLog.Add("gone", "k");  // the worker is done with the task's lists
+    };
+    auto* task = Task("k", nullptr, true, false);
     task->AddListener(&deleter);
     ASSERT_TRUE(task->Execute());
     ASSERT_TRUE(PumpUntil([&] { return mLog.Has("gone", "k"); }));
     const DWORD worker = mLog.ThreadOf("run", "k");
     EXPECT_NE(worker, GetCurrentThreadId());
-    for (const char* step : {"postplay", "58900", "58901", "deleted"})
+    for (const char* step : {"postplay", "58900", "29001", "58901", "deleted"})
         EXPECT_EQ(mLog.ThreadOf(step, "k"), worker) << step;
-    EXPECT_EQ(mLog.Steps(), (Steps{"preplay:k", "start:k", "run:k", "postplay:k", "58900:k",
-                                   "58901:k", "canKill=0:k", "deleted:k", "29002:?", "gone:k"}));
-}
-
-TEST_F(TaskLife, AbortOfRunningTaskOnlyClearsShouldStart) {
-    auto* task = Watch(new LoggedTask(&mLog, "a", true));
-    Gate gate;
-    task->mGate = &gate;
-    task->Execute();
-    ASSERT_TRUE(WaitUntil([&] { return task->mStartedRunning.load(); }));
-    task->Abort();
-    EXPECT_FALSE(task->ShouldStart());
-    EXPECT_EQ(CThreadAction::GetThreadAction()->GetThreadCount(), 1);
-    gate = true;
-    ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "a"); }));
-    EXPECT_TRUE(mLog.Has("postplay", "a")) << "it ran on to its normal end";
+    EXPECT_EQ(mLog.Steps(),
+              (Steps{"preplay:k", "29000:k", "start:k", "run:k", "postplay:k", "58900:k", "29001:k",
+                     "58901:k", "canKill=0:k", "deleted:k", "29002:?", "gone:k"}));
 }
 
 TEST_F(TaskLife, ThreadThatCannotBeCreatedEndsTheTaskAndSaysSo) {
@@ -123,15 +69,12 @@ TEST_F(TaskLife, ThreadThatCannotBeCreatedEndsTheTaskAndSaysSo) {
     testing::FaultEnv faults;
     testing::ScopedEnv use(faults);
     faults.FailNth(detail::SysCall::kThreadCreate, 1, EAGAIN);
-    auto* first = Watch(new SingleTask(&mLog, "f1"));
-    auto* second = Watch(new SingleTask(&mLog, "f2"));
-    first->Execute();
-    second->Execute();
+    Task<SingleTask>("f1", nullptr)->Execute();
+    Task<SingleTask>("f2", nullptr)->Execute();
     CMessageAction::GetMessageAction()->RemoveListener(&errors);
     EXPECT_EQ(errors.Numbers(), (std::vector<int32_t>{26000}));
-    EXPECT_FALSE(mLog.Has("run", "f1"));
-    EXPECT_TRUE(mLog.Has("postplay", "f1"));
-    EXPECT_TRUE(mLog.Has("deleted", "f1"));
+    EXPECT_EQ(mLog.Steps({"run", "postplay", "deleted"}, "f1"),
+              (Steps{"postplay:f1", "deleted:f1"}));
     ASSERT_TRUE(PumpUntil([&] { return mLog.Has("deleted", "f2"); }));
     EXPECT_TRUE(mLog.Has("run", "f2")) << "the next task of the class was not held up";
 }
@@ -148,22 +91,16 @@ TEST_F(TaskLife, ProgressScaleDescriptionAndThreadId) {
         EXPECT_EQ(task.GetStatusPosition(), c.expected) << c.range << " " << c.pos;
     }
     EXPECT_EQ(std::u16string(task.GetDescription()), u"basicutils::testing_support::LoggedTask");
-    struct Plain : CVelmorantThread {
-        Plain() : CVelmorantThread(false) {}
-    } source;
-    source.SetRange(2048);
-    source.SetPos(1024);
-    source.SetStatus(u"reading");
-    source.SetWorkerThread(true);
-    Plain copy(source);
-    EXPECT_EQ(copy.GetStatusPosition(), 512) << "a copy takes every field";
-    EXPECT_EQ(std::u16string(copy.GetStatus()), u"reading");
-    EXPECT_TRUE(copy.IsWorkerThread());
-
     DWORD other = 0;
     std::thread([&] { other = task.GetThreadId(); }).join();
     EXPECT_EQ(task.GetThreadId(), GetCurrentThreadId());
     EXPECT_NE(other, GetCurrentThreadId()) << "without worker, the caller's ID";
+    task.SetStatus(u"reading");
+    task.SetWorkerThread(true);
+    LoggedTask copy(task);
+    EXPECT_EQ(copy.GetStatusPosition(), 512) << "a copy takes every field";
+    EXPECT_EQ(std::u16string(copy.GetStatus()), u"reading");
+    EXPECT_TRUE(copy.IsWorkerThread());
 }
 
 }  // namespace

@@ -14,9 +14,9 @@ namespace {
 class Recording : public CVelmorantWinThread {
     DECLARE_DYNCREATE(Recording)
   public:
-    static std::mutex sLock;
-    static std::vector<UINT> sSeen;
-    static std::atomic<int> sQuits;
+    static inline std::mutex sLock;
+    static inline std::vector<UINT> sSeen;
+    static inline std::atomic<int> sQuits{0};
     BOOL OnThreadMessage(const MSG& message) override {
         {
             std::lock_guard<std::mutex> g(sLock);
@@ -28,17 +28,15 @@ class Recording : public CVelmorantWinThread {
         sQuits.fetch_add(1);
         CVelmorantWinThread::OnQuit(wParam, lParam);
     }
-    using CVelmorantWinThread::mQuitting;
 
   protected:
     Recording() = default;
 };
-std::mutex Recording::sLock;
-std::vector<UINT> Recording::sSeen;
-std::atomic<int> Recording::sQuits{0};
 IMPLEMENT_DYNCREATE(Recording, CVelmorantWinThread)
 
 TEST(CVelmorantWinThread, MessagesBeforeQuitAreHandledAndNoneAfter) {
+    Recording::sSeen.clear();
+    Recording::sQuits = 0;
     auto* thread = static_cast<Recording*>(
         AfxBeginThread(RUNTIME_CLASS(Recording), THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED));
     ASSERT_NE(thread, nullptr);

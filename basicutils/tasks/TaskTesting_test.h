@@ -1,5 +1,6 @@
 // Shared pieces of the task tests: an event log, a task that records each
-// step with its thread, a gate to hold a task in RunSelf, and a pump loop.
+// step with its thread, a gate to hold a task in RunSelf, a pump loop and the
+// fixture of the scheduler and task-life tests.
 #pragma once
 
 #include <basicutils/platform/Deadline_test.h>
@@ -20,8 +21,7 @@
 namespace basicutils::testing_support {
 
 struct Event {
-    std::string what;
-    std::string task;
+    std::string what, task;
     DWORD thread;
 };
 
@@ -39,11 +39,15 @@ class EventLog {
         std::lock_guard<std::mutex> g(mLock);
         return mEvents;
     }
-    // "what:task" of each event, in order; of the kinds named only, if any.
-    std::vector<std::string> Steps(std::initializer_list<std::string> kinds = {}) {
+    // "what:task" of each event, in order; of the kinds named only, if any,
+    // and of the tasks whose names start with `task`.
+    std::vector<std::string> Steps(std::initializer_list<std::string> kinds = {},
+                                   const std::string& task = "") {
         std::vector<std::string> out;
         for (auto& e : Events())
-            if (kinds.size() == 0 || std::find(kinds.begin(), kinds.end(), e.what) != kinds.end())
+            if ((kinds.size() == 0 ||
+                 std::find(kinds.begin(), kinds.end(), e.what) != kinds.end()) &&
+                e.task.rfind(task, 0) == 0)
                 out.push_back(e.what + ":" + e.task);
         return out;
     }
@@ -66,7 +70,7 @@ using Gate = std::atomic<bool>;
 
 class LoggedTask : public CVelmorantThread {
   public:
-    LoggedTask(EventLog* log, std::string name, bool worker, bool autoDelete = true)
+    LoggedTask(EventLog* log, std::string name, bool worker = true, bool autoDelete = true)
         : CVelmorantThread(autoDelete), mLog(log), mName(std::move(name)) {
         SetWorkerThread(worker);
     }
@@ -78,7 +82,6 @@ class LoggedTask : public CVelmorantThread {
     }
     void RunSelf() override {
         mLog->Add("run", mName);
-        mStartedRunning = true;
         EXPECT_TRUE(!mGate || WaitUntil([&] { return mGate->load(); }, std::chrono::seconds(60)));
     }
     void Start() override {
@@ -92,41 +95,19 @@ class LoggedTask : public CVelmorantThread {
     }
     bool mAccept = true;
     Gate* mGate = nullptr;
-    std::atomic<bool> mStartedRunning{false};
     EventLog* mLog;
     std::string mName;
     using CVelmorantThread::mShouldStart;
-    using CVelmorantThread::mSingleRun;
     using CVelmorantThread::mThreadType;
     using CVelmorantThread::mVisible;
 };
 
 class SingleTask : public LoggedTask {
   public:
-    SingleTask(EventLog* log, std::string name) : LoggedTask(log, std::move(name), true) {
+    SingleTask(EventLog* log, std::string name, bool worker = true)
+        : LoggedTask(log, std::move(name), worker) {
         mSingleRun = true;
     }
-};
-
-// A subclass is a class of its own for the single-run rule.
-class DerivedSingleTask : public SingleTask {
-  public:
-    using SingleTask::SingleTask;
-};
-
-// Records what a broadcaster sends, with the task's name.
-class MessageLog : public LListener {
-  public:
-    explicit MessageLog(EventLog* log) : mLog(log) {}
-    bool ListenToMessage(int32_t message, void* param) override {
-        if (message == kMsgBroadcasterDied) return false;
-        auto* task = dynamic_cast<LoggedTask*>(static_cast<CVelmorantThread*>(param));
-        mLog->Add(std::to_string(message), task ? task->mName : std::string("?"));
-        return true;
-    }
-
-  private:
-    EventLog* mLog;
 };
 
 // Pumps the main thread's queue until `done` holds; fails after a generous
@@ -134,5 +115,35 @@ class MessageLog : public LListener {
 inline bool PumpUntil(const std::function<bool()>& done) {
     return WaitUntil([&] { return done() || (PumpMessages(5), done()); }, std::chrono::seconds(60));
 }
+
+// Starts the dispatcher, logs what the scheduler and every task made by Task
+// send, with the task's name, and leaves no task behind.
+class TaskTest : public ::testing::Test, public LListener {
+  protected:
+    void SetUp() override {
+        CThreadDispatcher::GetThreadDispatcher();
+        action->AddListener(this);
+    }
+    void TearDown() override {
+        action->RemoveListener(this);
+        EXPECT_EQ(action->GetThreadCount(), 0);
+    }
+    bool ListenToMessage(int32_t message, void* param) override {
+        if (message == kMsgBroadcasterDied) return false;
+        auto* task = dynamic_cast<LoggedTask*>(static_cast<CVelmorantThread*>(param));
+        mLog.Add(std::to_string(message), task ? task->mName : std::string("?"));
+        return true;
+    }
+    template <class T = LoggedTask, class... Args>
+    T* Task(const std::string& name, Gate* gate, Args... args) {
+        auto* task = new T(&mLog, name, args...);
+        task->mGate = gate;
+        task->AddListener(this);
+        return task;
+    }
+
+    CThreadAction* action = CThreadAction::GetThreadAction();
+    EventLog mLog;
+};
 
 }  // namespace basicutils::testing_support
