@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -16,13 +15,13 @@ namespace {
 using testing_support::Recorder;
 using Entries = std::vector<std::string>;
 
-// "context text" of a report: the context as "ctx" or "-", the text or "(null)".
-std::string Report(int32_t, void* param) {
+// "number context text" of a report: the context as "ctx" or "-", the text or "(null)".
+std::string Report(int32_t message, void* param) {
     auto* info = static_cast<SInteractionInfo*>(param);
     std::string text = "(null)";
     if (info->mText)
         text.assign(info->mText, info->mText + std::char_traits<char16_t>::length(info->mText));
-    return (info->mContext ? "ctx " : "- ") + text;
+    return std::to_string(message) + (info->mContext ? " ctx " : " - ") + text;
 }
 
 // Restores the default window however a test ends.
@@ -30,55 +29,47 @@ struct DefaultGuard {
     ~DefaultGuard() { CMessageAction::SetDefault(kMessageWindow1); }
 };
 
-TEST(CMessageAction, NumbersFollowKindAndResolvedWindow) {
+// Reports of one kind: Error, Warning, Inform, No-return inform, Simple
+// output (all with a context and "x"), Return or Clear.
+void Send(char kind, message_action_t t) {
+    static int context;
+    if (kind == 'E') CMessageAction::Error(&context, u"x", t);
+    if (kind == 'W') CMessageAction::Warning(&context, u"x", t);
+    if (kind == 'I') CMessageAction::Inform(&context, u"x", t);
+    if (kind == 'N') CMessageAction::InformWithoutReturn(&context, u"x", t);
+    if (kind == 'S') CMessageAction::SimpleOutput(&context, u"x", t);
+    if (kind == 'R') CMessageAction::Return(t);
+    if (kind == 'C') CMessageAction::Clear(t);
+}
+
+TEST(CMessageAction, NumberAndRecordFollowKindAndResolvedWindow) {
     DefaultGuard guard;
-    using Call = std::function<void(message_action_t)>;
-    const Call error = [](message_action_t t) { CMessageAction::Error(nullptr, u"x", t); };
-    const Call warning = [](message_action_t t) { CMessageAction::Warning(nullptr, u"x", t); };
-    const Call inform = [](message_action_t t) { CMessageAction::Inform(nullptr, u"x", t); };
-    const Call noReturn = [](message_action_t t) {
-        CMessageAction::InformWithoutReturn(nullptr, u"x", t);
-    };
-    const Call simple = [](message_action_t t) { CMessageAction::SimpleOutput(nullptr, u"x", t); };
-    const Call ret = [](message_action_t t) { CMessageAction::Return(t); };
-    const Call clear = [](message_action_t t) { CMessageAction::Clear(t); };
     // clang-format off
-    struct { message_action_t defaultType; Call call; int type; int32_t expected; } cases[] = {  // 0: nothing sent
-        {kMessageWindow1, error, 0, 26000},    {kMessageWindow1, error, 3, 26020},
-        {kMessageWindow4, error, 3, 26020},    {kMessageWindow4, warning, 0, 26031},
-        {kMessageWindow1, inform, 5, 26042},   {kMessageWindow1, clear, 3, 26023},
-        {kMessageWindow2, noReturn, 0, 26014}, {kMessageWindow1, simple, 1, 26005},
-        {kMessageWindow1, ret, 2, 26016},      {kMessageWindow5, ret, 0, 26046},
-        {kMessageWindowDefault, error, 0, 0},  {kMessageWindowDefault, inform, 2, 26012},
-        {kMessageWindow3, simple, 0, 26025},   {kMessageWindow1, error, 6, 0},
-        {kMessageWindow1, warning, -1, 0},     {static_cast<message_action_t>(9), clear, 0, 0},
+    struct { message_action_t defaultType; char kind; int type; std::string expected; } cases[] = {
+        {kMessageWindow1, 'E', 0, "26000 ctx x"},  {kMessageWindow1, 'E', 3, "26020 ctx x"},
+        {kMessageWindow4, 'E', 3, "26020 ctx x"},  {kMessageWindow4, 'W', 0, "26031 ctx x"},
+        {kMessageWindow1, 'I', 5, "26042 ctx x"},  {kMessageWindow1, 'C', 3, "26023 - (null)"},
+        {kMessageWindow2, 'N', 0, "26014 ctx x"},  {kMessageWindow1, 'S', 1, "26005 ctx x"},
+        {kMessageWindow1, 'R', 2, "26016 - "},     {kMessageWindow5, 'R', 0, "26046 - "},
+        {kMessageWindowDefault, 'E', 0, ""},       {kMessageWindowDefault, 'I', 2, "26012 ctx x"},
+        {kMessageWindow3, 'S', 0, "26025 ctx x"},  {kMessageWindow1, 'E', 6, ""},  // "": nothing sent
+        {kMessageWindow1, 'W', -1, ""},            {static_cast<message_action_t>(9), 'C', 0, ""},
     };
     // clang-format on
     Recorder recorder;
+    recorder.describe = Report;
     CMessageAction::GetMessageAction()->AddListener(&recorder);
     for (const auto& c : cases) {
         CMessageAction::SetDefault(c.defaultType);
         recorder.Clear();
-        c.call(static_cast<message_action_t>(c.type));
-        EXPECT_EQ(recorder.Numbers(),
-                  c.expected ? std::vector<int32_t>{c.expected} : std::vector<int32_t>{})
+        Send(c.kind, static_cast<message_action_t>(c.type));
+        EXPECT_EQ(recorder.Entries(), c.expected.empty() ? Entries{} : Entries{c.expected})
             << "default " << c.defaultType << " type " << c.type;
     }
     CMessageAction::GetMessageAction()->RemoveListener(&recorder);
-}
-
-TEST(CMessageAction, RecordsCarryContextAndTextByKind) {
-    Recorder recorder;
-    recorder.describe = Report;
-    CMessageAction::GetMessageAction()->AddListener(&recorder);
-    int context = 0;
-    CMessageAction::Warning(&context, u"disk full", kMessageWindow2);
-    CMessageAction::Return(kMessageWindow2);
-    CMessageAction::Clear(kMessageWindow2);
-    CMessageAction::GetMessageAction()->RemoveListener(&recorder);
-    CMessageAction::Error(nullptr, u"nobody hears this");
-    EXPECT_EQ(recorder.Entries(), (Entries{"ctx disk full", "- ", "- (null)"}))
-        << "Return sends an empty text, Clear none";
+    recorder.Clear();
+    Send('E', kMessageWindow1);
+    EXPECT_EQ(recorder.Entries(), Entries{}) << "nobody hears after leaving";
 }
 
 // A derived channel sees every report in BroadcastInteraction.

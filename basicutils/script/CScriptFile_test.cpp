@@ -17,37 +17,56 @@ namespace {
 
 using filestest::Reports;
 
-std::u16string U16(const std::string& s) {
-    return std::u16string(s.begin(), s.end());
+std::string Narrow(const char16_t* s) {
+    std::string out;
+    while (*s) out += static_cast<char>(*s++);
+    return out;
 }
 
-// Opens the protected reading operations to the tests; `last` is the
-// answer of the last one.
+// Runs a program of reading operations and answers what each gave, one
+// entry each, space-separated:
+//   s ( x   SkipWhiteSpaceAndChar of ' ', '(' or 'x': its result
+//   c       GetOneChar: its result
+//   w 2     GetString(',') or GetString2("=;"): "word/result" ("?" if untouched)
+//   l       GetListMember: "[a,b]/result"
+//   u       StopUntilChars("={"): "found/result" ("-" if untouched)
+//   t       GetToken(" \t\r\n"): the token, or "<end>"
+//   h n L   the cursor's character "@c" (space "_", line end "$", none "?"),
+//           the line number "#n", the current line in quotes
 class Parser : public CScriptFile {
   public:
-    using CScriptFile::GetOneChar;
-    using CScriptFile::GetString2;
-    using CScriptFile::StopUntilChars;
-    char16_t Here() const { return mCursor ? *mCursor : u'?'; }
-    std::u16string Word() {
-        MString word(u"untouched");
-        last = GetString(&word, u',');
-        return static_cast<const char16_t*>(word);
-    }
-    std::vector<std::u16string> List() {
-        MStringList list;
-        last = GetListMember(&list);
-        std::vector<std::u16string> out;
-        for (MString* s = list.GetHead(); s; s = list.GetNext()) out.emplace_back(*s);
+    std::string Run(const std::string& program) {
+        std::string out;
+        for (char op : program) {
+            MString text(u"?"), rest(u"x");
+            MStringList list;
+            char16_t found = u'-';
+            const char16_t here = mCursor ? *mCursor : u'?';
+            int r = 0;
+            if (op == 's' || op == '(' || op == 'x')
+                r = SkipWhiteSpaceAndChar(op == 's' ? u' ' : op);
+            if (op == 'c') r = GetOneChar();
+            if (op == 'w') r = GetString(&text, u',');
+            if (op == '2') r = GetString2(&text, MString(u"=;"));
+            if (op == 'u') r = StopUntilChars(MString(u"={"), &found);
+            if (op == 'l') r = GetListMember(&list);
+            if (op == 't') r = GetToken(&text, u" \t\r\n", &rest);
+            EXPECT_TRUE(op != 't' || r != 1 || !*rest) << "the rest is emptied";
+            std::string entry = std::to_string(r), members;
+            for (MString* m = list.GetHead(); m; m = list.GetNext())
+                members += (members.empty() ? "" : ",") + Narrow(*m);
+            const char c = static_cast<char>(op == 'u' ? found : here);
+            if (op == 'w' || op == '2') entry = Narrow(text) + "/" + entry;
+            if (op == 'u') entry = std::string(1, c) + "/" + entry;
+            if (op == 'l') entry = "[" + members + "]/" + entry;
+            if (op == 't') entry = r == 1 ? Narrow(text) : "<end>";
+            if (op == 'h') entry = std::string("@") + (c == ' ' ? '_' : c == '\n' ? '$' : c);
+            if (op == 'n') entry = "#" + std::to_string(GetCurrentLineNum());
+            if (op == 'L') entry = "'" + Narrow(GetCurrentLine()) + "'";
+            out += (out.empty() ? "" : " ") + entry;
+        }
         return out;
     }
-    std::u16string Token() {
-        MString token, rest(u"x");
-        last = GetToken(&token, u" \t\r\n", &rest);
-        EXPECT_EQ(last == 1 ? std::u16string(rest) : u"", u"");
-        return last == 1 ? static_cast<const char16_t*>(token) : u"<end>";
-    }
-    int last = 0;
 };
 
 class ScriptFile : public ::testing::Test {
@@ -63,126 +82,69 @@ class ScriptFile : public ::testing::Test {
     int mFiles = 0;
 };
 
-TEST_F(ScriptFile, SkippingWordsAndTheirEnds) {
-    struct Case {
-        const char* text;
-        char16_t skip;
-        int skipped;
-        std::u16string word;
-        int result;
-        char16_t after;  // under the cursor afterwards
-        int line;
+// Reports are appended as "!number text"; they go to window 2 whatever the default.
+TEST_F(ScriptFile, ReadingOperations) {
+    // clang-format off
+    const std::tuple<const char*, const char*, std::string> cases[] = {
+        {"  # note\n  // note\n  x y", "swhn", "1 x/1 @_ #3"},
+        {"a//b,c\n",               "swhn", "1 a//b/1 @, #1"},  // no comment inside a word
+        {"/x\n",                   "swhn", "1 /x/1 @$ #1"},    // one slash is no comment
+        {"((( key\n",              "(whn", "1 key/1 @$ #1"},
+        {"\n\n\tword\r\n",         "swhn", "1 word/1 @$ #3"},  // text mode reads CR LF as LF
+        {"last",                   "swhn", "1 ?/-1 @t #1"},    // no line end: the word is lost
+        {"",                       "swhn", "-1 ?/-1 @? #0"},
+        {"x\n# only a comment",    "cxh",  "1 -1 @#"},         // the end leaves the cursor in place
+        {"key=value;\n",           "2h",   "key/1 @="},
+        {"(a, b c)\n",             "l",    "[a,b,c]/1"},
+        {"()\n",                   "l",    "[]/1"},
+        {"a b\n",                  "l",    "[a,b]/1"},
+        {"# lead\n(one,\n  # between\n two // tail\n ,three) next\n", "l", "[one,two,three]/1"},
+        {"(a, b",                  "l",    "[a]/0"},
+        {"   {\n",                 "uh",   "{/1 @{"},
+        {"   x\n",                 "u",    "-/0 !26010 syntax error: Syntax error near line 1\n              >>>     x\n"},
+        {"# x\n",                  "u",    "-/0 !26010 syntax error: Syntax error near line 1\n              >>>  # x\n"},
+        {"// c\n\nab cd\n",        "tttn", "ab cd <end> #3"},
+        {"ab //c d\nnext\n",       "tttn", "ab next <end> #2"},
+        {"/ /x\n",                 "tttn", "/ /x <end> #1"},
+        {"no end",                 "tttn", "no end <end> #1"},
+        {"ab cd\n",                "tL",   "ab 'ab cd'"},  // the line without its end
     };
-    const Case cases[] = {
-        {"  # note\n  // note\n  x y", u' ', 1, u"x", 1, u' ', 3},
-        {"a//b,c\n", u' ', 1, u"a//b", 1, u',', 1},  // no comment inside a word
-        {"/x\n", u' ', 1, u"/x", 1, u'\n', 1},       // one slash is no comment
-        {"((( key\n", u'(', 1, u"key", 1, u'\n', 1},
-        {"\n\n\tword\r\n", u' ', 1, u"word", 1, u'\n', 3},  // text mode reads CR LF as LF
-        {"last", u' ', 1, u"untouched", -1, u't', 1},       // no line end: the word is lost
-        {"", u' ', -1, u"untouched", -1, u'?', 0},
-    };
-    for (const Case& c : cases) {
-        auto parser = Open(c.text);
-        EXPECT_EQ(parser->SkipWhiteSpaceAndChar(c.skip), c.skipped) << c.text;
-        EXPECT_EQ(parser->Word(), c.word) << c.text;
-        EXPECT_EQ(parser->last, c.result) << c.text;
-        EXPECT_EQ(parser->Here(), c.after) << c.text;
-        EXPECT_EQ(parser->GetCurrentLineNum(), c.line) << c.text;
-    }
-    auto comment = Open("x\n# only a comment");
-    comment->GetOneChar();
-    EXPECT_EQ(comment->SkipWhiteSpaceAndChar(u'x'), -1);
-    EXPECT_EQ(comment->Here(), u'#') << "the end of the file leaves the cursor where it was";
-    auto pair = Open("key=value;\n");
-    MString word;
-    EXPECT_EQ(pair->GetString2(&word, MString(u"=;")), 1);
-    EXPECT_EQ(word, u"key");
-}
-
-TEST_F(ScriptFile, ListsAndTheExpectedCharacter) {
-    const std::tuple<const char*, std::vector<std::u16string>, int> lists[] = {
-        {"(a, b c)\n", {u"a", u"b", u"c"}, 1},
-        {"()\n", {}, 1},
-        {"a b\n", {u"a", u"b"}, 1},
-        {"# lead\n(one,\n  # between\n two // tail\n ,three) next\n",
-         {u"one", u"two", u"three"},
-         1},
-        {"(a, b", {u"a"}, 0},
-    };
-    for (const auto& [text, members, result] : lists) {
-        auto parser = Open(text);
-        EXPECT_EQ(parser->List(), members) << text;
-        EXPECT_EQ(parser->last, result) << text;
-    }
+    // clang-format on
     CMessageAction::SetDefault(kMessageWindow3);
-    const std::tuple<const char*, int, char16_t, std::u16string> expected[] = {
-        {"   {\n", 1, u'{', u""},
-        {"   x\n", 0, u'-', u"syntax error: Syntax error near line 1\n              >>>     x\n"},
-        {"# x\n", 0, u'-', u"syntax error: Syntax error near line 1\n              >>>  # x\n"},
-    };
-    for (const auto& [text, result, found, report] : expected) {
+    for (const auto& [text, program, expected] : cases) {
         auto parser = Open(text);
         Reports reports;
-        char16_t got = u'-';
-        EXPECT_EQ(parser->StopUntilChars(MString(u"={"), &got), result) << text;
-        EXPECT_EQ(got, found) << text;
-        if (report.empty()) continue;
-        ASSERT_EQ(reports.heard.size(), 1u);
-        EXPECT_EQ(reports.heard[0].first, 26010) << "window 2, whatever the default";
-        EXPECT_EQ(reports.heard[0].second, report);
+        std::string trace = parser->Run(program);
+        for (const auto& [number, report] : reports.heard)
+            trace += " !" + std::to_string(number) + " " + Narrow(report.c_str());
+        EXPECT_EQ(trace, expected) << text;
     }
     CMessageAction::SetDefault(kMessageWindow1);
 }
 
-TEST_F(ScriptFile, TokenStyle) {
-    const std::tuple<const char*, std::vector<std::u16string>, int> cases[] = {
-        {"// c\n\nab cd\n", {u"ab", u"cd"}, 3},
-        {"ab //c d\nnext\n", {u"ab", u"next"}, 2},
-        {"/ /x\n", {u"/", u"/x"}, 1},
-        {"no end", {u"no", u"end"}, 1},
-    };
-    for (const auto& [text, tokens, lines] : cases) {
-        auto parser = Open(text);
-        for (const std::u16string& token : tokens) EXPECT_EQ(parser->Token(), token) << text;
-        EXPECT_EQ(parser->Token(), u"<end>") << text;
-        EXPECT_EQ(parser->GetCurrentLineNum(), lines) << text;
-    }
-    auto parser = Open("ab cd\n");
-    parser->Token();
-    EXPECT_EQ(std::u16string(parser->GetCurrentLine()), u"ab cd") << "without its line end";
-}
-
 TEST_F(ScriptFile, CopiesAndOtherParsersNeverShareALine) {
     auto first = Open("a b c\n");
-    EXPECT_EQ(first->Token(), u"a");
+    EXPECT_EQ(first->Run("t"), "a");
     first.reset();  // its token line is freed
     auto second = Open("x y\n");
-    EXPECT_EQ(second->Token(), u"x");
+    EXPECT_EQ(second->Run("t"), "x");
     Parser copy(*second);
-    EXPECT_EQ(copy.Token(), u"<end>") << "a copy starts at the next line";
-    EXPECT_EQ(second->Token(), u"y");
+    EXPECT_EQ(copy.Run("t"), "<end>") << "a copy starts at the next line";
+    EXPECT_EQ(second->Run("t"), "y");
     auto words = Open("alpha beta\n");
-    words->SkipWhiteSpaceAndChar(u' ');
-    words->Word();
+    words->Run("sw");
     auto wordCopy = std::make_unique<Parser>(*words);
     words.reset();
-    wordCopy->SkipWhiteSpaceAndChar(u' ');
-    EXPECT_EQ(wordCopy->Word(), u"beta") << "the copy's cursor is in its own line";
+    EXPECT_EQ(wordCopy->Run("sw"), "1 beta/1") << "the copy's cursor is in its own line";
 }
 
 TEST_F(ScriptFile, LongWordsMembersAndLinesAreReadWhole) {
     const std::string word(5000, 'w'), member(12000, 'm'), line(70000, 'l');
     auto parser =
         Open(word + " (" + member + ")\n" + line + "\n" + std::string(200000, 'z') + "\nend\n");
-    parser->SkipWhiteSpaceAndChar(u' ');
-    EXPECT_EQ(parser->Word(), U16(word));
-    EXPECT_EQ(parser->List(), std::vector<std::u16string>{U16(member)});
-    EXPECT_EQ(parser->Word(), U16(line));
-    EXPECT_EQ(parser->GetCurrentLineNum(), 2);
-    parser->SkipWhiteSpaceAndChar(u' ');
-    EXPECT_EQ(parser->Word().size(), 200000u) << "a word crosses the pieces of a long line";
-    EXPECT_EQ(parser->GetCurrentLineNum(), 4) << "two pieces, counted as two lines";
+    EXPECT_EQ(parser->Run("swlwn"), "1 " + word + "/1 [" + member + "]/1 " + line + "/1 #2");
+    EXPECT_EQ(parser->Run("swn"), "1 " + std::string(200000, 'z') + "/1 #4")
+        << "a word crosses the pieces of a long line, each counted as a line";
 }
 
 TEST_F(ScriptFile, WritingAndTheWorkingFilesEnd) {

@@ -2,6 +2,8 @@
 #include <basicutils/undo/COperation.h>
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -25,60 +27,45 @@ class Op : public COperation {
     bool mExecutes, mUndoes;
 };
 
-TEST(COperationList, WithoutHistoryOperationsRunAndAreDeleted) {
-    ASSERT_EQ(COperationList::GetOperationList(), nullptr);
-    std::string j;
-    EXPECT_TRUE((new Op(&j, 'a'))->Execute()) << "true means done, not undoable";
-    EXPECT_FALSE((new Op(&j, 'b', false))->Execute());
-    EXPECT_EQ(j, "+a~a+b~b");
-    EXPECT_FALSE(COperationList::CanUndo());
-    COperationList::Undo();
-    COperationList::Redo();
-}
-
-TEST(COperationList, NewOperationDropsTheUndoneOnesNewestFirst) {
-    std::string j;
-    {
-        COperationList history;
-        EXPECT_EQ(COperationList::GetOperationList(), &history);
-        for (char c : {'A', 'B', 'C'}) (new Op(&j, c))->Execute();
-        COperationList::Undo();
-        (new Op(&j, 'x', false))->Execute();  // failed: nothing changes
-        EXPECT_TRUE(COperationList::CanRedo());
-        (new Op(&j, 'D'))->Execute();
-        EXPECT_EQ(j, "+A+B+C-C+x~x+D~C");
-        EXPECT_FALSE(COperationList::CanRedo());
-        j.clear();
-        for (int i = 0; i < 4; ++i) COperationList::Undo();  // the 4th does nothing
-        EXPECT_EQ(j, "-D-B-A");
-        EXPECT_FALSE(COperationList::CanUndo());
-        (new Op(&j, 'E'))->Execute();
-        EXPECT_EQ(j, "-D-B-A+E~D~B~A");
-        j.clear();
-        COperationList::Undo();
-        COperationList::Redo();
-        COperationList::Redo();  // at the end: nothing
-        EXPECT_EQ(j, "-E+E") << "Redo calls the operation, never Execute";
-        history.removeOperationList();
-        EXPECT_EQ(j, "-E+E~E");
-        EXPECT_FALSE(COperationList::CanUndo());
-        EXPECT_FALSE(COperationList::CanRedo());
+// Runs `script` on a fresh history (or none) and checks the journal,
+// destruction of the history included. In a script, an upper-case letter is
+// an operation that succeeds, a lower-case one an operation whose Execute
+// fails, a `*` after a letter makes that operation's undo fail; `<` is Undo,
+// `>` is Redo and `#` is removeOperationList.
+TEST(COperationList, ScriptsOfOperationsLeaveTheirJournal) {
+    // clang-format off
+    struct { bool history; const char* script; bool canUndo, canRedo; const char* journal; } cases[] = {
+        {false, "A b < >",        false, false, "+A~A+b~b"},  // run and deleted at once
+        {true,  "A B C < x",      true,  true,  "+A+B+C-C+x~x~C~B~A"},  // a failed one changes nothing
+        {true,  "A B C < D",      true,  false, "+A+B+C-C+D~C~D~B~A"},
+        {true,  "A B < < < <",    false, true,  "+A+B-B-A~B~A"},  // undo at the start: nothing
+        {true,  "A B < < C",      true,  false, "+A+B-B-A+C~B~A~C"},  // undone ones dropped newest first
+        {true,  "E < > >",        true,  false, "+E-E+E~E"},  // Redo calls the operation, never Execute
+        {true,  "A E #",          false, false, "+A+E~E~A"},
+        {true,  "A F* < <",       false, true,  "+A+F-F-A~F~A"},  // a failing undo still moves
+    };
+    // clang-format on
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.script);
+        std::string j;
+        {
+            std::optional<COperationList> history;
+            if (c.history) history.emplace();
+            EXPECT_EQ(COperationList::GetOperationList(), c.history ? &*history : nullptr);
+            for (const char* s = c.script; *s; ++s) {
+                if (*s == '<') COperationList::Undo();
+                if (*s == '>') COperationList::Redo();
+                if (*s == '#') history->removeOperationList();
+                if (!std::isalpha(static_cast<unsigned char>(*s))) continue;
+                const bool executes = std::isupper(static_cast<unsigned char>(*s));
+                EXPECT_EQ((new Op(&j, *s, executes, s[1] != '*'))->Execute(), executes);
+            }
+            EXPECT_EQ(COperationList::CanUndo(), c.canUndo);
+            EXPECT_EQ(COperationList::CanRedo(), c.canRedo);
+        }
+        EXPECT_EQ(j, c.journal);
+        EXPECT_EQ(COperationList::GetOperationList(), nullptr);
     }
-    EXPECT_EQ(COperationList::GetOperationList(), nullptr);
-}
-
-TEST(COperationList, FailingUndoStillMovesAndDestructionDeletesAll) {
-    std::string j;
-    {
-        COperationList history;
-        (new Op(&j, 'A'))->Execute();
-        (new Op(&j, 'F', true, false))->Execute();  // its undo fails
-        COperationList::Undo();
-        EXPECT_TRUE(COperationList::CanRedo());
-        COperationList::Undo();
-        EXPECT_FALSE(COperationList::CanUndo());
-    }
-    EXPECT_EQ(j, "+A+F-F-A~F~A") << "the newest goes first";
 }
 
 TEST(COperationList, ThreadsShareTheHistoryUnderItsLock) {
@@ -97,16 +84,9 @@ TEST(COperationList, ThreadsShareTheHistoryUnderItsLock) {
             }
         });
     for (auto& t : threads) t.join();
-    int undone = 0;
-    while (COperationList::CanUndo()) {
-        COperationList::Undo();
-        ++undone;
-    }
-    int redone = 0;
-    while (COperationList::CanRedo()) {
-        COperationList::Redo();
-        ++redone;
-    }
+    int undone = 0, redone = 0;
+    for (; COperationList::CanUndo(); ++undone) COperationList::Undo();
+    for (; COperationList::CanRedo(); ++redone) COperationList::Redo();
     EXPECT_EQ(undone, redone);
     EXPECT_GT(undone, 0);
 }
