@@ -94,52 +94,52 @@ std::string DdWrite() {
     return Dd("if=/dev/zero of='" + (Folder() / "dd").string() + "' count=1024");
 }
 
+// One timed write of 4 GiB per iteration: `write` makes the file, `remove`
+// clears the last one first, and with `toDisk` the writer's files are synced
+// inside the time too.
+void TimedWrites(benchmark::State& state, void (*remove)(), bool (*write)(bool toDisk),
+                 bool toDisk) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        remove();
+        Clean(state);
+        state.ResumeTiming();
+        if (!write(toDisk)) state.SkipWithError("write failed");
+    }
+    state.SetBytesProcessed(state.iterations() * kTotal);
+}
+
+void RemoveMFiles() {
+    RemoveLogical("mfiles");
+}
+
+// MFiles, then `sync FILE...` of its segments up to the disk.
+bool MFilesWrite(bool toDisk) {
+    return WriteLogical() &&
+           (!toDisk ||
+            std::system(("sync '" + (Folder() / "mfiles").string() + "'*").c_str()) == 0);
+}
+
+void RemoveDd() {
+    fs::remove(Folder() / "dd");
+}
+
+// dd, with conv=fsync up to the disk.
+bool DdWriteFile(bool toDisk) {
+    return std::system((DdWrite() + (toDisk ? " conv=fsync" : "")).c_str()) == 0;
+}
+
 void BM_MFilesWrite(benchmark::State& state) {
-    for (auto _ : state) {
-        state.PauseTiming();
-        RemoveLogical("mfiles");
-        Clean(state);
-        state.ResumeTiming();
-        if (!WriteLogical()) state.SkipWithError("write failed");
-    }
-    state.SetBytesProcessed(state.iterations() * kTotal);
+    TimedWrites(state, RemoveMFiles, MFilesWrite, false);
 }
-
 void BM_DdWrite(benchmark::State& state) {
-    for (auto _ : state) {
-        state.PauseTiming();
-        fs::remove(Folder() / "dd");
-        Clean(state);
-        state.ResumeTiming();
-        Shell(state, DdWrite());
-    }
-    state.SetBytesProcessed(state.iterations() * kTotal);
+    TimedWrites(state, RemoveDd, DdWriteFile, false);
 }
-
-// The same, up to the disk: the writer's files are synced inside the time
-// (`sync FILE...` for the segments, dd's conv=fsync).
 void BM_MFilesWriteToDisk(benchmark::State& state) {
-    const std::string segments = "'" + (Folder() / "mfiles").string() + "'*";
-    for (auto _ : state) {
-        state.PauseTiming();
-        RemoveLogical("mfiles");
-        Clean(state);
-        state.ResumeTiming();
-        if (!WriteLogical()) state.SkipWithError("write failed");
-        Shell(state, "sync " + segments);
-    }
-    state.SetBytesProcessed(state.iterations() * kTotal);
+    TimedWrites(state, RemoveMFiles, MFilesWrite, true);
 }
-
 void BM_DdWriteToDisk(benchmark::State& state) {
-    for (auto _ : state) {
-        state.PauseTiming();
-        fs::remove(Folder() / "dd");
-        Clean(state);
-        state.ResumeTiming();
-        Shell(state, DdWrite() + " conv=fsync");
-    }
-    state.SetBytesProcessed(state.iterations() * kTotal);
+    TimedWrites(state, RemoveDd, DdWriteFile, true);
 }
 
 void BM_MFilesRead(benchmark::State& state) {
