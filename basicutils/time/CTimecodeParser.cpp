@@ -48,22 +48,6 @@ void SetPiece(MString& field, const char16_t* first, const char16_t* last) {
 
 CTimecodeParser::CTimecodeParser() : mFrameType(kFrameType30) {}
 
-CTimecodeParser::CTimecodeParser(const CTimecodeParser& other)
-    : mHourText(other.mHourText),
-      mMinuteText(other.mMinuteText),
-      mSecondText(other.mSecondText),
-      mFrameText(other.mFrameText),
-      mFrameType(other.mFrameType) {}
-
-CTimecodeParser& CTimecodeParser::operator=(const CTimecodeParser& other) {
-    mHourText = other.mHourText;
-    mMinuteText = other.mMinuteText;
-    mSecondText = other.mSecondText;
-    mFrameText = other.mFrameText;
-    mFrameType = other.mFrameType;
-    return *this;
-}
-
 CTimecodeParser::~CTimecodeParser() = default;
 
 void CTimecodeParser::Parse(const char16_t* text, bool keepFrameType) {

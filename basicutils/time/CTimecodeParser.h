@@ -26,8 +26,8 @@ namespace basicutils {
 class BASICUTILS_EXPORT CTimecodeParser {
   public:
     CTimecodeParser();
-    CTimecodeParser(const CTimecodeParser& other);
-    CTimecodeParser& operator=(const CTimecodeParser& other);
+    CTimecodeParser(const CTimecodeParser& other) = default;
+    CTimecodeParser& operator=(const CTimecodeParser& other) = default;
     virtual ~CTimecodeParser();
 
     virtual void Parse(const char16_t* text, bool keepFrameType);
