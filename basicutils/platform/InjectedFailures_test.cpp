@@ -56,11 +56,12 @@ TEST(InjectedFailures, EachCallAnswersAndLeavesItsLastError) {
     auto stream = [&](const char16_t* mode) {
         return _wfdopen(_wopen(f.c_str(), _O_WRONLY | _O_BINARY | _O_TRUNC), mode);
     };
-    // A listing of "." ".." "f" "s.ini" "s.ini.lock" (left by the settings rows
-    // above it): how many names it gave.
+    // A listing of "." ".." "a" "b" "c": how many names it gave.
+    std::filesystem::create_directory(folder.Path() / "listed");
+    for (const char* name : {"listed/a", "listed/b", "listed/c"}) folder.Write(name, "");
     auto list = [&] {
         WIN32_FIND_DATAW data;
-        HANDLE find = FindFirstFileW(folder.Wide("*").c_str(), &data);  // "." needs no read
+        HANDLE find = FindFirstFileW(folder.Wide("listed/*").c_str(), &data);  // "." needs no read
         int names = 1;
         while (FindNextFileW(find, &data)) ++names;
         const uint32_t error = GetLastError();
