@@ -23,20 +23,13 @@
 #include <string>
 #include <vector>
 
+#include "FuzzSupport.h"
+
 using namespace basicutils;
 
 namespace {
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
-
-const std::filesystem::path& ScratchFile() {
-    static const std::filesystem::path path =
-        std::filesystem::temp_directory_path() /
-        ("AsyncReadBuffer_fuzz_" + std::to_string(std::random_device{}()));
-    return path;
-}
+using fuzzsupport::Check;
 
 int BufferSize(uint8_t choice) {
     return choice < 200 ? 2048 * (1 + choice % 8) : 1000 + 37 * choice;
@@ -45,17 +38,18 @@ int BufferSize(uint8_t choice) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const std::filesystem::path& scratch = fuzzsupport::ScratchFile("AsyncReadBuffer");
     if (size < 5) return 0;
     const int64_t fileSize = ((data[0] << 8) | data[1]);
     std::string content(static_cast<size_t>(fileSize), '\0');
     std::minstd_rand bytes(data[2]);
     for (char& c : content) c = static_cast<char>(bytes());
-    std::ofstream(ScratchFile(), std::ios::binary | std::ios::trunc) << content;
+    std::ofstream(scratch, std::ios::binary | std::ios::trunc) << content;
     const int bufferSize = BufferSize(data[3]);
     int64_t start = fileSize * data[4] / 256;
 
     MFileUniv file;
-    const std::u16string path = ScratchFile().u16string();
+    const std::u16string path = scratch.u16string();
     Check(file.FOpen(path.c_str(), kOpenOverlappedRead) == 0);
     {
         AsyncReadBuffer ring;
@@ -96,6 +90,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         }
     }
     file.FClose();
-    std::filesystem::remove(ScratchFile());
+    std::filesystem::remove(scratch);
     return 0;
 }

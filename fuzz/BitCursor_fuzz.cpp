@@ -14,13 +14,13 @@
 #include <memory>
 #include <vector>
 
+#include "FuzzSupport.h"
+
 namespace {
 
 using basicutils::CAppBits;
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 struct Model {
     std::vector<unsigned char> bytes;

@@ -14,14 +14,14 @@
 #include <cstring>
 #include <vector>
 
+#include "FuzzSupport.h"
+
 namespace {
 
 namespace bu = basicutils;
 using Bytes = std::vector<unsigned char>;
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 // The n bytes at p, most (big) or least significant first.
 uint64_t Model(const unsigned char* p, int n, bool big) {

@@ -22,13 +22,13 @@
 #include <string>
 #include <vector>
 
+#include "FuzzSupport.h"
+
 using namespace basicutils;
 
 namespace {
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 // A textbook validator: length from the lead byte, then the value's range.
 bool ModelIsUtf8(const uint8_t* s, size_t n) {

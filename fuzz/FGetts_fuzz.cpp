@@ -18,20 +18,13 @@
 #include <string>
 #include <vector>
 
+#include "FuzzSupport.h"
+
 using namespace basicutils;
 
 namespace {
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
-
-const std::filesystem::path& ScratchFile() {
-    static const std::filesystem::path path =
-        std::filesystem::temp_directory_path() /
-        ("FGetts_fuzz_" + std::to_string(std::random_device{}()));
-    return path;
-}
+using fuzzsupport::Check;
 
 std::u16string Widen(const std::string& bytes) {
     bool ascii = true;
@@ -45,11 +38,12 @@ std::u16string Widen(const std::string& bytes) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const std::filesystem::path& scratch = fuzzsupport::ScratchFile("FGetts");
     if (size == 0) return 0;
     const bool text = data[0] & 1;
     uint32_t seed = data[0];
     std::string content(reinterpret_cast<const char*>(data) + 1, size - 1);
-    std::ofstream(ScratchFile(), std::ios::binary | std::ios::trunc) << content;
+    std::ofstream(scratch, std::ios::binary | std::ios::trunc) << content;
 
     std::string model = content;
     if (text) {
@@ -61,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
 
     MFileUniv file;
-    const std::u16string path = ScratchFile().u16string();
+    const std::u16string path = scratch.u16string();
     Check(file.FOpen(path.c_str(), text ? kOpenReadText : kOpenReadBinary) == 0);
     std::vector<char16_t> line(100);
     size_t at = 0;
@@ -84,6 +78,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         at = end;
     }
     file.FClose();
-    std::filesystem::remove(ScratchFile());
+    std::filesystem::remove(scratch);
     return 0;
 }

@@ -23,15 +23,15 @@
 #include <string>
 #include <vector>
 
+#include "FuzzSupport.h"
+
 using namespace basicutils;
 
 namespace {
 
 namespace fs = std::filesystem;
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 // The scratch folder, removed when the process ends.
 struct Scratch {

@@ -15,13 +15,13 @@
 #include <string>
 #include <string_view>
 
+#include "FuzzSupport.h"
+
 using basicutils::detail::IniDocument;
 
 namespace {
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 // A short 16-bit text from the input: `length` units, each from one byte, so
 // that line breaks, brackets, `=` and blanks all occur.

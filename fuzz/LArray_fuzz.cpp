@@ -23,13 +23,13 @@
 #include <memory>
 #include <vector>
 
+#include "FuzzSupport.h"
+
 using namespace basicutils;
 
 namespace {
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 int32_t Index(uint8_t b, size_t count) {
     // Mostly valid indices, sometimes 0, negative, past the end or kLastIndex.

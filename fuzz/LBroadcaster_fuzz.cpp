@@ -16,13 +16,13 @@
 #include <memory>
 #include <vector>
 
+#include "FuzzSupport.h"
+
 using namespace basicutils;
 
 namespace {
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 // Not exactly an LList: a broadcast over it walks with Next.
 struct GeneralList : LList {

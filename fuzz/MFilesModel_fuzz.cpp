@@ -29,15 +29,15 @@
 #include <sstream>
 #include <string>
 
+#include "FuzzSupport.h"
+
 using namespace basicutils;
 
 namespace {
 
 namespace fs = std::filesystem;
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 class NoSyncEnv : public detail::EnvWrapper {
   public:

@@ -14,13 +14,13 @@
 #include <cstdlib>
 #include <string>
 
+#include "FuzzSupport.h"
+
 namespace {
 
 namespace bu = basicutils;
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 class Script {
   public:

@@ -14,13 +14,13 @@
 #include <cstdlib>
 #include <string>
 
+#include "FuzzSupport.h"
+
 using namespace basicutils;
 
 namespace {
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 using Text = std::u16string;
 

@@ -18,13 +18,13 @@
 #include <random>
 #include <string>
 
+#include "FuzzSupport.h"
+
 using namespace basicutils;
 
 namespace {
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 class Parser : public CScriptFile {
   public:

@@ -12,15 +12,11 @@
 #include <string>
 #include <vector>
 
+#include "FuzzSupport.h"
+
 using namespace basicutils;
 
-namespace {
-
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
-
-}  // namespace
+using fuzzsupport::Check;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // The functions read zero-terminated text: the line ends at the first 0.

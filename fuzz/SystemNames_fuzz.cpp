@@ -15,15 +15,11 @@
 #include <cstdlib>
 #include <string>
 
+#include "FuzzSupport.h"
+
 using namespace basicutils;
 
-namespace {
-
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
-
-}  // namespace
+using fuzzsupport::Check;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string name;

@@ -12,11 +12,11 @@
 #include <new>
 #include <string>
 
+#include "FuzzSupport.h"
+
 namespace {
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 uint64_t ReferenceDigits(const std::string& text) {
     std::string digits;

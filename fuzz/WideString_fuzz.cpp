@@ -16,13 +16,13 @@
 #include <cstdlib>
 #include <string>
 
+#include "FuzzSupport.h"
+
 namespace {
 
 namespace bu = basicutils;
 
-void Check(bool ok) {
-    if (!ok) std::abort();
-}
+using fuzzsupport::Check;
 
 int Sign(int v) {
     return (v > 0) - (v < 0);
